@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Platform/Capture/AVCaptureTypes.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace kelvara {
+
+class AVCaptureInput;
+class AVCaptureVideoDataOutput;
+class AVCaptureVideoPreviewLayer;
+
+/// Joins one camera to a video output and a preview. Main thread.
+///
+/// Frames count only while the session runs: what a device still sends after `stopRunning` is dropped. A camera that
+/// is unplugged stops the session (`isRunning` turns false); when it is back, the session runs again unless
+/// `stopRunning` was called in between. Several changes between `beginConfiguration` and `commitConfiguration` take
+/// effect together at the commit.
+class AVCaptureSession : public QObject
+{
+    Q_OBJECT
+public:
+    explicit AVCaptureSession(QObject* parent = nullptr);
+    ~AVCaptureSession() override;
+
+    void beginConfiguration();
+    void commitConfiguration();
+
+    [[nodiscard]] bool canSetSessionPreset(AVCaptureSessionPreset preset) const;
+    void setSessionPreset(AVCaptureSessionPreset preset);
+    [[nodiscard]] AVCaptureSessionPreset sessionPreset() const;
+    void setAutomaticallyConfiguresCaptureDeviceForWideColor(bool automatic);
+
+    /// Whether the session could take the input: not for null, an input that it already has, or a device that is not
+    /// connected or refuses to be used. One camera serves at a time, but that is a matter of `addInput`: a session
+    /// with no input yet answers for each camera by itself.
+    [[nodiscard]] bool canAddInput(const std::shared_ptr<AVCaptureInput>& input) const;
+    /// Ignored unless the input can be added.
+    void addInput(const std::shared_ptr<AVCaptureInput>& input);
+    void removeInput(const std::shared_ptr<AVCaptureInput>& input);
+    [[nodiscard]] const std::vector<std::shared_ptr<AVCaptureInput>>& inputs() const;
+
+    [[nodiscard]] bool canAddOutput(const std::shared_ptr<AVCaptureVideoDataOutput>& output) const;
+    void addOutput(const std::shared_ptr<AVCaptureVideoDataOutput>& output);
+    [[nodiscard]] const std::vector<std::shared_ptr<AVCaptureVideoDataOutput>>& outputs() const;
+
+    /// Starts the input's device; does nothing without an input. Running or not is told by `isRunning`.
+    void startRunning();
+    void stopRunning();
+    [[nodiscard]] bool isRunning() const;
+
+    /// The preview layers that show this session; called by the layers themselves.
+    void attachPreview(AVCaptureVideoPreviewLayer* layer);
+    void detachPreview(AVCaptureVideoPreviewLayer* layer);
+
+Q_SIGNALS:
+    /// The running state changed to `running`.
+    void runningChanged(bool running);
+
+private:
+    struct State;
+    std::unique_ptr<State> d;
+};
+
+} // namespace kelvara

@@ -1,0 +1,138 @@
+#pragma once
+
+#include "Platform/Capture/AVCaptureDevice.h"
+#include "Platform/Capture/CameraProvider.h"
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace kelvara {
+
+/// How a replayed picture's pixels lie in memory before they reach the session, so that the conversions that real
+/// cameras need are used too.
+enum class ReplayPixelLayout { BGRA, NV12, I420, YUYV, MJPEG };
+
+/// Makes the picture of one moment: `index` counts delivered frames from 0, `time` is the time since the start. A null
+/// image ends the source. Called on the camera's own thread, one call at a time.
+using ReplayGenerator = std::function<QImage(std::int64_t index, std::chrono::microseconds time)>;
+
+/// Where a replay camera's pictures come from. A value.
+class ReplaySource
+{
+public:
+    /// One picture, shown for ever. Exif orientation is honoured.
+    [[nodiscard]] static ReplaySource still(const QString& path);
+    [[nodiscard]] static ReplaySource still(const QImage& image);
+    /// The pictures of a folder in the order of their names.
+    [[nodiscard]] static ReplaySource folder(const QString& path);
+    /// A video file.
+    [[nodiscard]] static ReplaySource video(const QString& path);
+    /// Whatever the path is: a folder, a video or a still.
+    [[nodiscard]] static ReplaySource path(const QString& path);
+    [[nodiscard]] static ReplaySource generator(ReplayGenerator generator);
+
+    /// A sentence that says why the source cannot be used; absent when it can.
+    [[nodiscard]] std::optional<QString> problem() const;
+
+    struct Data;
+    [[nodiscard]] const std::shared_ptr<const Data>& data() const { return m_data; }
+
+private:
+    std::shared_ptr<const Data> m_data;
+};
+
+/// How a replay camera presents itself and its pictures.
+struct ReplayCameraOptions
+{
+    QString name = QStringLiteral("Replay camera");
+    AVCaptureDevicePosition position = AVCaptureDevicePosition::Back;
+    /// Size of the delivered pictures; a source of another size is scaled to fill it and cut about its centre. Empty:
+    /// the size of the source's own pictures.
+    QSize size;
+    double framesPerSecond = 30.0;
+    ReplayPixelLayout layout = ReplayPixelLayout::BGRA;
+    /// Extra bytes at the end of each row, as real drivers have them.
+    int rowPadding = 0;
+    /// Begin again when the source ends; otherwise the last picture stands still and `ended` is emitted.
+    bool loops = true;
+    /// Degrees clockwise that the delivered pictures need to stand upright in portrait, as a phone's sensor; the
+    /// source's pictures are turned back by as much.
+    int sensorRotation = 0;
+    bool hasTorch = false;
+};
+
+/// A camera without hardware: for hosts' tests, demonstrations and replaying what went wrong. Delivers its source at a
+/// frame rate through the same conversions as a real camera. Main thread unless said otherwise.
+class ReplayCamera final : public AVCaptureDevice
+{
+    Q_OBJECT
+public:
+    explicit ReplayCamera(ReplaySource source, ReplayCameraOptions options = {}, QObject* parent = nullptr);
+    ~ReplayCamera() override;
+
+    [[nodiscard]] QString uniqueID() const override;
+    [[nodiscard]] QString localizedName() const override;
+    [[nodiscard]] AVCaptureDevicePosition position() const override;
+    [[nodiscard]] bool isConnected() const override;
+    [[nodiscard]] int sensorRotation() const override;
+    [[nodiscard]] bool hasTorch() const override;
+    [[nodiscard]] bool isTorchActive() const override;
+    [[nodiscard]] bool lockForConfiguration() override;
+    void unlockForConfiguration() override;
+    [[nodiscard]] bool setTorchModeOn(float level) override;
+    void setTorchModeOff() override;
+    [[nodiscard]] bool start(AVCaptureFrameSink sink) override;
+    void stop() override;
+
+    /// Shows another source from the next frame on.
+    void setSource(ReplaySource source);
+
+    // Trouble on demand.
+    /// Delivers nothing while stalled, yet stays connected.
+    void setStalled(bool stalled);
+    /// Unplugs the camera, or plugs it in again.
+    void setConnected(bool connected);
+    /// The next `start` calls fail while set.
+    void setRefusesToStart(bool refuses);
+    /// The configuration lock, and the torch, refuse while set.
+    void setRefusesConfiguration(bool refuses);
+    void setRefusesTorch(bool refuses);
+    /// How often the configuration was locked and not yet unlocked.
+    [[nodiscard]] int configurationLocks() const;
+
+    /// Frames delivered since construction. Any thread.
+    [[nodiscard]] std::int64_t deliveredFrames() const;
+
+Q_SIGNALS:
+    /// A source that does not loop has shown its last picture.
+    void ended();
+
+private:
+    struct State;
+    std::unique_ptr<State> d;
+};
+
+/// Hands out replay cameras (or any devices) by position. Main thread.
+class ReplayCameraProvider final : public CameraProvider
+{
+public:
+    ReplayCameraProvider() = default;
+    /// Either may be null: a device without that camera.
+    ReplayCameraProvider(std::shared_ptr<AVCaptureDevice> back, std::shared_ptr<AVCaptureDevice> front);
+
+    [[nodiscard]] std::shared_ptr<AVCaptureDevice> defaultDevice(
+        AVCaptureDeviceType type, AVMediaType media, AVCaptureDevicePosition position) override;
+    [[nodiscard]] std::shared_ptr<AVCaptureDevice> defaultDevice(AVMediaType media) override;
+
+private:
+    std::shared_ptr<AVCaptureDevice> m_back;
+    std::shared_ptr<AVCaptureDevice> m_front;
+};
+
+} // namespace kelvara

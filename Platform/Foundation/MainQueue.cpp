@@ -1,0 +1,92 @@
+#include "Platform/Foundation/MainQueue.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QPointer>
+#include <QThread>
+
+#include <deque>
+#include <mutex>
+
+namespace kelvara {
+
+namespace {
+
+struct Entry
+{
+    std::weak_ptr<const void> context;
+    std::function<void()> block;
+};
+
+/// Lives on the GUI thread and runs what waits. One block an event: whatever a block spins (a dialog, a nested
+/// event loop) finds the rest of the queue still served, in order.
+class Runner : public QObject
+{
+public:
+    void post(Entry entry)
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_entries.push_back(std::move(entry));
+        }
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+    }
+
+protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        Entry entry;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (m_entries.empty())
+                return true;
+            entry = std::move(m_entries.front());
+            m_entries.pop_front();
+        }
+        if (!entry.context.expired())
+            entry.block();
+        return true;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::deque<Entry> m_entries;
+};
+
+Runner& runner()
+{
+    // Never destroyed: worker threads may still post while the process winds down.
+    static Runner* const instance = [] {
+        auto* made = new Runner;
+        if (QCoreApplication* application = QCoreApplication::instance())
+            made->moveToThread(application->thread());
+        return made;
+    }();
+    return *instance;
+}
+
+} // namespace
+
+void MainQueue::async(std::weak_ptr<const void> context, std::function<void()> block)
+{
+    runner().post({ std::move(context), std::move(block) });
+}
+
+void MainQueue::async(QObject* context, std::function<void()> block)
+{
+    static const auto always = std::make_shared<char>();
+    runner().post({ always, [guard = QPointer<QObject>(context), block = std::move(block)] {
+                       if (guard)
+                           block();
+                   } });
+}
+
+bool MainQueue::isCurrent()
+{
+    const QCoreApplication* application = QCoreApplication::instance();
+    return application && QThread::currentThread() == application->thread();
+}
+
+} // namespace kelvara

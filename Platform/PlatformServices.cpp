@@ -1,0 +1,19 @@
+#include "Platform/PlatformServices.h"
+
+#include "Platform/Capture/QtCameraProvider.h"
+#include "Platform/Foundation/UserDefaults.h"
+#include "Platform/Vision/VisionDetectors.h"
+
+namespace kelvara {
+
+PlatformServices PlatformServices::native()
+{
+    return {
+        .cameras = QtCameraProvider::shared(),
+        .imageAnalysis = VisionDetectors::native(),
+        .nfc = nullptr,
+        .userDefaults = UserDefaults::standard(),
+    };
+}
+
+} // namespace kelvara

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+
+namespace kelvara {
+
+class CameraProvider;
+class NFCReaderSession;
+class UserDefaults;
+class VisionDetectors;
+
+/// Everything the view needs of the platform, as one value handed to its constructor. A host that tests itself
+/// replaces what it wants (`services.cameras = std::make_shared<ReplayCameraProvider>(…)`) and leaves the rest.
+/// The objects are shared with the view. Main thread.
+struct PlatformServices
+{
+    std::shared_ptr<CameraProvider> cameras;               ///< Null: a device without cameras.
+    std::shared_ptr<const VisionDetectors> imageAnalysis;  ///< Null: nothing is ever found.
+    std::shared_ptr<NFCReaderSession> nfc;                 ///< Null: a device without a contactless reader.
+    std::shared_ptr<UserDefaults> userDefaults;            ///< Null: nothing is remembered.
+
+    /// The device's own: real cameras through Qt Multimedia, OpenCV detectors, stored user defaults.
+    [[nodiscard]] static PlatformServices native();
+};
+
+} // namespace kelvara

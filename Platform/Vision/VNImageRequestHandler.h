@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Platform/Imaging/UIImage.h"
+#include "Platform/Vision/VNRequest.h"
+
+#include <QImage>
+#include <QVariantMap>
+
+#include <memory>
+#include <span>
+
+namespace kelvara {
+
+/// Performs analysis requests on one bitmap. The detectors share the image's downscaled planes, which are computed
+/// once. The requests of one `perform` may be searched side by side on several cores; completions are called on the
+/// performing thread, in request order, before `perform` returns.
+class VNImageRequestHandler
+{
+public:
+    VNImageRequestHandler(QImage image, CGImagePropertyOrientation orientation, QVariantMap options,
+        std::shared_ptr<const VisionDetectors> detectors);
+    ~VNImageRequestHandler();
+
+    /// Performs all requests; each one's own failure reaches its completion. Absent on success; an error when the
+    /// image itself is of no use (then no completion is called).
+    std::optional<VNError> perform(std::span<const std::shared_ptr<VNRequest>> requests);
+
+private:
+    struct State;
+    std::unique_ptr<State> d;
+};
+
+} // namespace kelvara
