@@ -9,7 +9,8 @@
 #include <memory>
 #include <span>
 
-namespace kelvara {
+namespace kelvara
+{
 
 /// Performs analysis requests on one bitmap. The detectors share the image's downscaled planes, which are computed
 /// once. The requests of one `perform` may be searched side by side on several cores; completions are called on the
@@ -17,6 +18,9 @@ namespace kelvara {
 class VNImageRequestHandler
 {
 public:
+    /// `image` is turned upright by `orientation` before the analysis; what is found is normalised to the upright
+    /// image. Its pixels are shared (copied only when there is something to turn) and must not change while this
+    /// lives. No options are defined; what is in `options` is ignored. Without `detectors` no request can be served.
     VNImageRequestHandler(QImage image, CGImagePropertyOrientation orientation, QVariantMap options,
         std::shared_ptr<const VisionDetectors> detectors);
     ~VNImageRequestHandler();

@@ -10,17 +10,18 @@
 #include <variant>
 #include <vector>
 
-namespace kelvara {
+namespace kelvara
+{
 
 class VisionDetectors;
 class VisionImage;
 
 /// Why a request yielded nothing.
-struct VNError
-{
+struct VNError {
     enum class Kind {
-        NoDetector,  ///< The services in use have no detector for the request.
-        InvalidImage ///< The image has no pixels.
+        NoDetector, ///< The services in use have no detector for the request.
+        InvalidImage, ///< The image has no pixels.
+        DetectorFailed ///< A detector gave up with an exception; the message is its own.
     };
     Kind kind;
     QString message;
@@ -35,14 +36,17 @@ public:
         std::vector<VNFaceObservation>>;
     using CompletionHandler = std::function<void(const VNRequest& request, const std::optional<VNError>& error)>;
 
-    explicit VNRequest(CompletionHandler completionHandler = {}) : m_completion(std::move(completionHandler)) { }
+    explicit VNRequest(CompletionHandler completionHandler = {})
+        : m_completion(std::move(completionHandler))
+    {
+    }
     virtual ~VNRequest() = default;
 
-    /// What the last performance found: absent after an error, a (maybe empty) list otherwise.
+    /// What the last performance found: `std::monostate` after an error, a (maybe empty) list otherwise.
     [[nodiscard]] const Results& results() const { return m_results; }
 
     /// The results as a list of one kind of observation; null when they are of another kind or there are none.
-    template<typename Observation> [[nodiscard]] const std::vector<Observation>* resultsAs() const
+    template <typename Observation> [[nodiscard]] const std::vector<Observation>* resultsAs() const
     {
         return std::get_if<std::vector<Observation>>(&m_results);
     }

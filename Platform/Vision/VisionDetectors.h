@@ -5,7 +5,8 @@
 #include <memory>
 #include <vector>
 
-namespace kelvara {
+namespace kelvara
+{
 
 struct RectangleLimits;
 class VisionImage;

@@ -1,0 +1,20 @@
+#include "Platform/Vision/VisionDetectors.h"
+
+#include "Platform/Vision/CardRectangleDetector.h"
+#include "Platform/Vision/NativeFaceDetector.h"
+
+namespace kelvara
+{
+
+std::shared_ptr<const VisionDetectors> VisionDetectors::native()
+{
+    static const std::shared_ptr<const VisionDetectors> shared = [] {
+        auto detectors = std::make_shared<VisionDetectors>();
+        detectors->rectangles = std::make_shared<const CardRectangleDetector>();
+        detectors->faces = makeNativeFaceDetector();
+        return detectors;
+    }();
+    return shared;
+}
+
+} // namespace kelvara
