@@ -1,0 +1,200 @@
+#include "Kelvara/QorvelKycView_p.h"
+
+namespace kelvara {
+
+namespace {
+
+QString text(const char* utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+constexpr auto kNoFrontCamera
+    = "Cihazınızda ön kamera bulunmamaktadır. Devam butonuna basarak sürece devam edebilirsiniz.";
+constexpr auto kNoBackCamera
+    = "Cihazınızda arka kamera bulunmamaktadır. Devam butonuna basarak sürece devam edebilirsiniz.";
+constexpr auto kNfcRequired
+    = "Cihazınızda NFC desteği bulunmamaktadır. Bu kontrol zorunlu tutulduğu için ilerleme yapılamamaktadır.";
+constexpr auto kNoSteps = "Sdk içerisine işlem listesi boş gönderilmiştir.";
+constexpr auto kFinished = "Süreç tamamlanmıştır.";
+
+} // namespace
+
+void QorvelKycViewPrivate::setViewTypes(const QList<ViewType>& types)
+{
+    _viewTypes = types;
+    viewTypeLinkedList = LinkedListViewType<ViewType>(std::vector<ViewType>(types.begin(), types.end()));
+    if (types.isEmpty())
+        return;
+    selectedViewType = types.front();
+    showViewType(selectedViewType);
+}
+
+void QorvelKycViewPrivate::showViewType(ViewType viewType)
+{
+    switch (viewType) {
+    case ViewType::idPhoto:
+        showIdPhotoView();
+        break;
+    case ViewType::selfie:
+        showSelfieView();
+        break;
+    case ViewType::nfcRead:
+        showNfcView();
+        break;
+    case ViewType::jitsi:
+        showJitsiView();
+        break;
+    }
+}
+
+void QorvelKycViewPrivate::showIdPhotoView()
+{
+    selectedViewType = ViewType::idPhoto;
+    if (noCameraText.isEmpty())
+        switchCamera(backInput, false);
+    startSide();
+    onMain([this] { viewChange(); });
+}
+
+void QorvelKycViewPrivate::showSelfieView()
+{
+    selectedViewType = ViewType::selfie;
+    if (noCameraText.isEmpty())
+        switchCamera(frontInput, true);
+    startSide();
+    onMain([this] { viewChange(); });
+}
+
+void QorvelKycViewPrivate::showNfcView()
+{
+    selectedViewType = ViewType::nfcRead;
+    startSide();
+    onMain([this] { viewChange(); });
+}
+
+void QorvelKycViewPrivate::showJitsiView()
+{
+    if (QorvelKycViewDelegate* host = delegate()) {
+        const QPointer<QorvelKycView> view(q);
+        const std::shared_ptr<SdkModel> record = sdkModel;
+        host->didDetectSdkDataBeforeJitsi(*q, record);
+        if (!view)
+            return;
+    }
+    selectedViewType = ViewType::jitsi;
+    startSide();
+    onMain([this] { viewChange(); });
+}
+
+void QorvelKycViewPrivate::getNextViewType()
+{
+    if (viewTypeLinkedList.isEmpty())
+        return;
+    // The first node that holds the current step counts, so a repeated step always continues after its first place.
+    ViewType next = selectedViewType;
+    bool found = false;
+    for (auto node = viewTypeLinkedList.head(); node; node = node->next) {
+        if (found) {
+            next = node->value;
+            break;
+        }
+        found = node->value == selectedViewType;
+        if (!node->next) {
+            isFinish = true;
+            onMain([this] { viewChange(); });
+        }
+    }
+    if (next != selectedViewType)
+        showViewType(next);
+}
+
+void QorvelKycViewPrivate::startSide()
+{
+    ++side;
+    publishGeometry();
+    onMain([this] {
+        checkFace = false;
+        checkMrz = false;
+        checkRectangle = false;
+        takePhotoButton->setEnabled(false);
+        updateScanArea();
+    });
+    // Frames that wait on the queue were taken before this moment; this block comes after them.
+    videoQueue.async([this, begun = side] { queueSide = begun; });
+}
+
+void QorvelKycViewPrivate::viewChange()
+{
+    add_removeInformationView(false);
+    add_removeFlipImageView(false);
+    add_removeCloseButton(false);
+    add_removeCutoutView(false);
+    add_removeIdPhotoLabel(false);
+    add_removeFlashButton(false);
+    add_removeTakePhotoButton(false);
+    add_removeCutoutSelfieView(false);
+    add_removeNfcViews(false);
+    removePreviewLayer();
+    add_removeJitsiInfoViews(false);
+
+    if (!noCameraText.isEmpty() && !frontCamera && selectedViewType == ViewType::selfie)
+        showInformation(text(kNoFrontCamera));
+    else if (!noCameraText.isEmpty() && !backCamera && selectedViewType == ViewType::idPhoto)
+        showInformation(text(kNoBackCamera));
+    else if (forceNfc && !hasNfc)
+        showInformation(text(kNfcRequired));
+    else if (_viewTypes.isEmpty())
+        showInformation(text(kNoSteps));
+    else if (isFinish)
+        showInformation(text(kFinished));
+    else {
+        switch (selectedViewType) {
+        case ViewType::idPhoto:
+            addPreviewLayer();
+            add_removeCutoutView(true);
+            add_removeTakePhotoButton(true);
+            add_removeFlashButton(true);
+            add_removeIdPhotoLabel(true);
+            add_removeFlipImageView(true);
+            break;
+        case ViewType::selfie:
+            addPreviewLayer();
+            add_removeCutoutSelfieView(true);
+            add_removeTakePhotoButton(true);
+            break;
+        case ViewType::nfcRead:
+            add_removeNfcViews(true);
+            break;
+        case ViewType::jitsi:
+            add_removeJitsiInfoViews(true);
+            break;
+        }
+        add_removeCloseButton(true);
+    }
+    layoutScreen();
+}
+
+void QorvelKycViewPrivate::showInformation(const QString& information)
+{
+    initiateInformationLabel(information);
+    add_removeInformationView(true);
+    add_removeCloseButton(true);
+}
+
+void QorvelKycViewPrivate::closeButtonInput()
+{
+    if (QorvelKycViewDelegate* host = delegate()) {
+        const std::shared_ptr<SdkModel> record = sdkModel;
+        host->didClose(*q, record);
+    }
+}
+
+void QorvelKycViewPrivate::runTimedCode()
+{
+    checkFace = false;
+    checkRectangle = false;
+    updateScanArea();
+}
+
+} // namespace kelvara

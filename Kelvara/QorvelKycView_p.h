@@ -1,0 +1,226 @@
+#pragma once
+
+#include "Kelvara/ActionButton.h"
+#include "Kelvara/CaptureGeometry.h"
+#include "Kelvara/CircleButton.h"
+#include "Kelvara/FlipImageView.h"
+#include "Kelvara/Guarded.h"
+#include "Kelvara/IconButton.h"
+#include "Kelvara/LinkedListViewType.h"
+#include "Kelvara/OvalOverlayView.h"
+#include "Kelvara/QKCutoutView.h"
+#include "Kelvara/QorvelKycView.h"
+#include "Kelvara/StatementLabel.h"
+#include "Kelvara/ToggleButton.h"
+#include "Platform/Capture/AVCaptureDeviceInput.h"
+#include "Platform/Capture/AVCaptureSession.h"
+#include "Platform/Capture/AVCaptureVideoDataOutput.h"
+#include "Platform/Capture/AVCaptureVideoPreviewLayer.h"
+#include "Platform/Foundation/MainQueue.h"
+#include "Platform/Foundation/SerialQueue.h"
+#include "Platform/Imaging/CIImage.h"
+#include "Platform/Vision/VNDetectFaceRectanglesRequest.h"
+#include "Platform/Vision/VNDetectRectanglesRequest.h"
+#include "Platform/Vision/VNDetectTextRectanglesRequest.h"
+
+#include <QColor>
+#include <QPointer>
+#include <QTimer>
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace kelvara {
+
+/// The view behind `QorvelKycView`: every stored member and the operations on them, spread over one file a purpose.
+///
+/// Two threads meet here. The main thread owns all of it but the members under "Shared" and "videoQueue only".
+/// Whatever calls out to the host may come back with the view deleted: such operations hold a `QPointer` to the view
+/// and touch nothing after it turned null.
+class QorvelKycViewPrivate final : public AVCaptureVideoDataOutputSampleBufferDelegate
+{
+public:
+    QorvelKycViewPrivate(QorvelKycView* view, PlatformServices platform);
+    ~QorvelKycViewPrivate() override;
+    static QorvelKycViewPrivate& of(QorvelKycView& view) { return *view.d; }
+
+    // Surface and start-up: QorvelKycView.cpp
+    void initialize();
+    void setViewStyle();
+    void initiateScreen();
+    void addAppObservers();
+    [[nodiscard]] QorvelKycViewDelegate* delegate() const;
+    /// Queues a block for the main thread that is dropped when the view has died. Any thread.
+    void onMain(std::function<void()> block) const;
+
+    // Steps: QorvelKycViewFlow.cpp
+    void setViewTypes(const QList<ViewType>& types);
+    void showViewType(ViewType viewType);
+    void showIdPhotoView();
+    void showSelfieView();
+    void showNfcView();
+    void showJitsiView();
+    void getNextViewType();
+    void viewChange();
+    void showInformation(const QString& text);
+    void closeButtonInput();
+    void runTimedCode();
+    /// A side or a step begins: whatever was detected before no longer counts, on either thread.
+    void startSide();
+
+    // Controls and layout: QorvelKycViewScreens.cpp
+    void initiateStatement();
+    void setCardInstruction(const QString& text);
+    void initiateFlashButton();
+    void initiateTakePhotoButton();
+    void initiateNfcReadLabel(const QString& forceText);
+    void initiateNfcReadButton();
+    void initiateInformationNextButton();
+    void initiateInformationLabel(const QString& text);
+    void initiateCloseButton();
+    void initiateFlipImageView();
+    void initiateJitsiLabel();
+    void initiateJitsiButton();
+    void add_removeInformationView(bool isAdd);
+    void add_removeNfcViews(bool isAdd);
+    void add_removeJitsiInfoViews(bool isAdd);
+    void add_removeCloseButton(bool isAdd);
+    void add_removeCutoutView(bool isAdd);
+    void add_removeCutoutSelfieView(bool isAdd);
+    void add_removeTakePhotoButton(bool isAdd);
+    void add_removeFlashButton(bool isAdd);
+    void add_removeIdPhotoLabel(bool isAdd);
+    void add_removeFlipImageView(bool isAdd);
+    void addPreviewLayer();
+    void removePreviewLayer();
+    void layoutScreen();
+
+    // Camera: QorvelKycViewCapture.cpp
+    void setupAndStartCaptureSession();
+    void setupInputs();
+    void setupPreviewLayer();
+    void setupOutput();
+    void switchCamera(const std::shared_ptr<AVCaptureInput>& input, bool mirrored);
+    void startScanning();
+    void stopScanning();
+    void appDidEnterBackground();
+    void appWillEnterForeground();
+    void setScanning(bool running);
+    void flashState();
+    void publishGeometry();
+
+    // Per frame: QorvelKycViewFrames.cpp (videoQueue)
+    void captureOutput(AVCaptureVideoDataOutput& output, const CMSampleBuffer& sampleBuffer,
+        AVCaptureConnection& connection) override;
+    void performVisionRequest(const QImage& image, CGImagePropertyOrientation orientation);
+    [[nodiscard]] std::vector<std::shared_ptr<VNRequest>> createVisionRequests();
+    [[nodiscard]] std::shared_ptr<VNRequest> rectanglesRequest();
+    [[nodiscard]] std::shared_ptr<VNRequest> mrzRequest();
+    [[nodiscard]] std::shared_ptr<VNRequest> facesRequest();
+    /// Hands a result of the frame in analysis to the main thread, where it counts only if the side is still the one
+    /// it was seen on.
+    void onMainForThisSide(std::function<void()> block);
+
+    // Card and readiness: QorvelKycViewCard.cpp
+    void handleRectanglesRequest(const VNRequest& request, const std::optional<VNError>& error);
+    void didDetectCardImage(const QImage& image);
+    void updateScanArea();
+    void updateOverlay(ShapeLayer* border, bool ready);
+    [[nodiscard]] static QRectF cutoutRect(const CaptureGeometry& geometry, const QImage& image);
+    [[nodiscard]] static QImage documentImage(const CaptureGeometry& geometry, const QImage& image);
+    [[nodiscard]] static UIImage enlargedDocumentImage(const CaptureGeometry& geometry, const QImage& image);
+
+    // Faces and selfie: QorvelKycViewFace.cpp
+    void handleFacesRequest(const VNRequest& request, const std::optional<VNError>& error);
+    void didDetectFaceImage(const CIImage& image, const QRectF& rect);
+    [[nodiscard]] static UIImage getUIImage(const CIImage& image);
+    [[nodiscard]] static QRectF cutoutSelfieRect(const CaptureGeometry& geometry, const QImage& image);
+    [[nodiscard]] static QImage selfieImage(const CaptureGeometry& geometry, const QImage& image);
+    [[nodiscard]] static UIImage enlargedSelfieImage(const CaptureGeometry& geometry, const QImage& image);
+
+    // Shutter: QorvelKycViewCommit.cpp
+    void analyzeCard();
+    void commitSelfie();
+    void commitFront();
+    void commitBack();
+
+    // Chip: QorvelKycViewNfc.cpp
+    void nfcReadInput();
+
+    QorvelKycView* const q;
+    const PlatformServices services;
+
+    // What the host set.
+    bool forceNfc = false;
+    QorvelKycViewDelegate* delegateObject = nullptr; ///< Borrowed; valid while `delegateLife` has not expired.
+    std::weak_ptr<const void> delegateLife;
+    LinkedListViewType<ViewType> viewTypeLinkedList;
+    QList<ViewType> _viewTypes;
+
+    // Flow.
+    ViewType selectedViewType = ViewType::idPhoto;
+    std::shared_ptr<SdkModel> sdkModel = std::make_shared<SdkModel>();
+    bool isFinish = false;
+    bool isFront = true;
+    bool hasNfc = false;
+    std::uint64_t side = 0; ///< See `CaptureGeometry::side`.
+    QTimer* refreshTimer = nullptr;
+
+    // Capture.
+    QSizeF bufferSize;
+    SerialQueue videoDataOutputQueue { QStringLiteral("videoDataOutputQueue"), QualityOfService::UserInitiated };
+    SerialQueue videoQueue { QStringLiteral("videoQueue"), QualityOfService::UserInteractive };
+    std::shared_ptr<AVCaptureSession> captureSession = std::make_shared<AVCaptureSession>();
+    std::shared_ptr<AVCaptureVideoDataOutput> videoDataOutput = std::make_shared<AVCaptureVideoDataOutput>();
+    std::shared_ptr<AVCaptureVideoPreviewLayer> videoPreviewLayer = std::make_shared<AVCaptureVideoPreviewLayer>();
+    std::shared_ptr<AVCaptureDevice> backCamera;
+    std::shared_ptr<AVCaptureDevice> frontCamera;
+    std::shared_ptr<AVCaptureInput> backInput;
+    std::shared_ptr<AVCaptureInput> frontInput;
+    QMetaObject::Connection observer;
+    bool isScanning = false;
+    bool isScanningPaused = false;
+    bool isPreviewAdded = false;
+    QString noCameraText;
+    const QColor cameraColor { 27, 170, 194 };
+
+    // Controls, owned by the view; made at once, configured by the `initiate…` block.
+    CircleButton* takePhotoButton;
+    QKCutoutView* cutoutView;
+    OvalOverlayView* cutoutSelfieView;
+    StatementLabel* idPhotoLabel;
+    ToggleButton* flashButton;
+    StatementLabel* nfcReadLabel;
+    StatementLabel* jitsiLabel;
+    ActionButton* jitsiButton;
+    StatementLabel* informationLabel;
+    ActionButton* nfcReadButton;
+    ActionButton* informationNextButton;
+    IconButton* closeButton;
+    FlipImageView* flipImageView;
+
+    // What was captured last.
+    std::optional<UIImage> capturedImage;
+    std::optional<UIImage> capturedFace;
+
+    // Shared between the main thread and videoQueue.
+    std::atomic<bool> checkFace { false };
+    std::atomic<bool> checkMrz { false };
+    std::atomic<bool> checkRectangle { false };
+    Guarded<std::optional<QImage>> inputCGImage; ///< The frame in analysis, cut to the scan area.
+    Guarded<std::optional<CIImage>> inputCIImage; ///< The same as a filter image, when it was cut.
+    Guarded<std::shared_ptr<const CaptureGeometry>> geometry;
+
+    // videoQueue only.
+    std::shared_ptr<const CaptureGeometry> frameGeometry; ///< Of the frame in analysis.
+    std::uint64_t queueSide = 0; ///< Frames of other sides were taken before the present one began.
+    std::shared_ptr<VNDetectFaceRectanglesRequest> lazyFacesRequest;
+    std::shared_ptr<VNDetectTextRectanglesRequest> lazyMrzRequest;
+    std::shared_ptr<VNDetectRectanglesRequest> lazyRectanglesRequest;
+
+    LifeToken life;
+};
+
+} // namespace kelvara
