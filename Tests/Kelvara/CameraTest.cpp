@@ -1,0 +1,206 @@
+#include "Tests/Support/KycHarness.h"
+
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+namespace kelvara::test {
+namespace {
+
+using enum ViewType;
+
+bool delivers(const Stage& stage)
+{
+    const int before = stage.device.eyes.told->performed;
+    return spinUntil([&] { return stage.device.eyes.told->performed > before + 2; });
+}
+
+TEST(Camera, RunsFollowsTheStepAndIsObservable)
+{
+    Stage stage;
+    QSignalSpy spy(stage.view, &QorvelKycView::isScanningChanged);
+    EXPECT_FALSE(stage.view->isScanning()) << "the state follows a turn later";
+    stage.setSteps({ idPhoto, selfie });
+    ASSERT_TRUE(spinUntil([&] { return stage.view->isScanning(); }));
+    EXPECT_EQ(spy.count(), 1);
+    EXPECT_TRUE(stage.view->property("isScanning").toBool());
+    const QorvelKycViewPrivate& d = stage.d();
+    EXPECT_EQ(d.captureSession->inputs(), std::vector { d.backInput });
+    stage.d().showSelfieView();
+    EXPECT_EQ(d.captureSession->inputs(), std::vector { d.frontInput });
+    EXPECT_TRUE(d.videoDataOutput->firstConnection()->isVideoMirrored());
+    EXPECT_TRUE(delivers(stage));
+    stage.d().showIdPhotoView();
+    EXPECT_EQ(d.captureSession->inputs(), std::vector { d.backInput });
+    EXPECT_FALSE(d.videoDataOutput->firstConnection()->isVideoMirrored());
+    settle();
+    EXPECT_TRUE(stage.view->isScanning());
+    stage.view->stopScanning();
+    ASSERT_TRUE(spinUntil([&] { return !stage.view->isScanning(); }));
+    stage.view->startScanning();
+    EXPECT_TRUE(spinUntil([&] { return stage.view->isScanning(); }));
+}
+
+TEST(Camera, TheBackgroundPausesOnlyWhatRan)
+{
+    Stage stage;
+    stage.setSteps({ idPhoto });
+    ASSERT_TRUE(spinUntil([&] { return stage.view->isScanning(); }));
+    for (int round = 0; round < 2; ++round) {
+        QMetaObject::invokeMethod(stage.view, "appDidEnterBackground");
+        ASSERT_TRUE(spinUntil([&] { return !stage.view->isScanning(); }));
+        QMetaObject::invokeMethod(stage.view, "appWillEnterForeground");
+        ASSERT_TRUE(spinUntil([&] { return stage.view->isScanning(); }));
+    }
+    stage.view->stopScanning();
+    ASSERT_TRUE(spinUntil([&] { return !stage.view->isScanning(); }));
+    QMetaObject::invokeMethod(stage.view, "appDidEnterBackground");
+    QMetaObject::invokeMethod(stage.view, "appWillEnterForeground");
+    settle();
+    EXPECT_FALSE(stage.view->isScanning());
+}
+
+struct TroubleRow
+{
+    const char* name;
+    std::function<void(Device&)> trouble;
+    const char* text;
+    bool runs;
+};
+
+class Trouble : public testing::TestWithParam<TroubleRow>
+{
+};
+
+TEST_P(Trouble, IsWrittenDownAndHarmless)
+{
+    Device device = Device::phone();
+    GetParam().trouble(device);
+    Stage stage(device);
+    stage.setSteps({ idPhoto, selfie });
+    EXPECT_EQ(stage.d().noCameraText, QLatin1String(GetParam().text));
+    stage.view->startScanning();
+    QTest::qWait(30);
+    EXPECT_EQ(stage.view->isScanning(), GetParam().runs);
+    stage.d().showSelfieView();
+    stage.d().showIdPhotoView();
+    settle();
+    stage.view->stopScanning();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Trouble,
+    testing::Values(TroubleRow { "none", [](Device&) {}, "", true },
+        TroubleRow { "noBack", [](Device& d) { d.back.reset(); }, "no back camera", false },
+        TroubleRow { "noFront", [](Device& d) { d.front.reset(); }, "no front camera", false },
+        TroubleRow { "backUnplugged", [](Device& d) { d.back->setConnected(false); },
+            "could not create input device from back camera", false },
+        TroubleRow { "frontUnplugged", [](Device& d) { d.front->setConnected(false); },
+            "could not create input device from front camera", false },
+        TroubleRow { "backRefusesTheSession", [](Device& d) { d.back->setRefusesSession(true); },
+            "could not add back camera input to capture session", false },
+        TroubleRow { "frontRefusesTheSession", [](Device& d) { d.front->setRefusesSession(true); },
+            "could not add front camera input to capture session", false },
+        TroubleRow { "noVideoData", [](Device& d) { d.back->setRefusesVideoOutput(true); },
+            "could not add video output", true },
+        TroubleRow { "doesNotStart", [](Device& d) { d.back->setRefusesToStart(true); }, "", false },
+        TroubleRow { "noPhotoPreset", [](Device& d) { d.back->setRefusesPhotoPreset(true); }, "", true }),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(Camera, AnUnpluggedCameraComesBack)
+{
+    Stage stage;
+    stage.setSteps({ idPhoto });
+    ASSERT_TRUE(delivers(stage));
+    stage.device.back->setConnected(false);
+    ASSERT_TRUE(spinUntil([&] { return !stage.view->isScanning(); }));
+    stage.device.back->setConnected(true);
+    ASSERT_TRUE(spinUntil([&] { return stage.view->isScanning(); }));
+    EXPECT_TRUE(delivers(stage));
+    // The same when a step begins while its camera is away.
+    stage.device.front->setConnected(false);
+    stage.setSteps({ selfie });
+    EXPECT_TRUE(spinUntil([&] { return !stage.view->isScanning(); }));
+    stage.device.front->setConnected(true);
+    EXPECT_TRUE(delivers(stage));
+}
+
+struct ScanAreaRow
+{
+    const char* name;
+    QSize view;
+    QSize frame; ///< upright
+    int sensorRotation;
+    ViewType step;
+    QSizeF expected; ///< of the cut-out in frame pixels
+};
+
+class ScanArea : public testing::TestWithParam<ScanAreaRow>
+{
+};
+
+/// The analysed picture is the cut-out as the aspect-filled preview shows it, whichever way the sensor lies.
+TEST_P(ScanArea, IsWhatTheCutoutShows)
+{
+    const ScanAreaRow& row = GetParam();
+    Device device;
+    ReplayCameraOptions options { .size = row.frame, .sensorRotation = row.sensorRotation };
+    if (row.sensorRotation % 180)
+        options.size.transpose();
+    device.back = Device::camera(AVCaptureDevicePosition::Back, options);
+    device.front = Device::camera(AVCaptureDevicePosition::Front, options);
+    Stage stage(device, row.view);
+    stage.setSteps({ row.step });
+    ASSERT_TRUE(delivers(stage));
+    ASSERT_TRUE(spinUntil([&] { return stage.device.eyes.told->lastWidth != row.frame.width(); }));
+    EXPECT_NEAR(stage.device.eyes.told->lastWidth, row.expected.width(), 1.01);
+    EXPECT_NEAR(stage.device.eyes.told->lastHeight, row.expected.height(), 1.01);
+}
+
+// Aspect-fill of 270 × 480 into 390 × 844 points shows 480 rows on 844 points; of 640 × 480 into 844 × 390 it shows
+// 640 columns on 844 points.
+INSTANTIATE_TEST_SUITE_P(All, ScanArea,
+    testing::Values(
+        ScanAreaRow { "uprightCard", { 390, 844 }, { 270, 480 }, 0, idPhoto,
+            { 351 * 480 / 844.0, 351 / 1.42 * 480 / 844.0 } },
+        ScanAreaRow { "phoneSensorCard", { 390, 844 }, { 270, 480 }, 90, idPhoto,
+            { 351 * 480 / 844.0, 351 / 1.42 * 480 / 844.0 } },
+        ScanAreaRow { "phoneSensorSelfie", { 390, 844 }, { 270, 480 }, 270, selfie,
+            { 300 * 480 / 844.0, 400 * 480 / 844.0 } },
+        ScanAreaRow { "webcam", { 844, 390 }, { 640, 480 }, 0, idPhoto,
+            { 292.5 * 1.42 * 640 / 844.0, 292.5 * 640 / 844.0 } }),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(Camera, OnlyTheFirstFaceIsKept)
+{
+    Stage stage;
+    stage.setSteps({ selfie });
+    stage.show(false, true);
+    ASSERT_TRUE(spinUntil([&] { return stage.d().capturedFace.has_value(); }));
+    const QSizeF face = stage.d().capturedFace->size();
+    EXPECT_NEAR(face.width(), stage.device.eyes.told->lastWidth * 0.5, 1.01);
+    EXPECT_NEAR(face.height(), stage.device.eyes.told->lastHeight * 0.25, 1.01);
+}
+
+TEST(Camera, TheTorchFollowsTheHardware)
+{
+    Device device = Device::phone();
+    device.back = Device::camera(AVCaptureDevicePosition::Back, { .hasTorch = true });
+    Stage stage(device);
+    stage.setSteps({ idPhoto });
+    ToggleButton* flash = stage.d().flashButton;
+    QTest::mouseClick(flash, Qt::LeftButton);
+    EXPECT_TRUE(device.back->isTorchActive());
+    EXPECT_TRUE(flash->isOn());
+    QTest::mouseClick(flash, Qt::LeftButton);
+    EXPECT_FALSE(device.back->isTorchActive());
+
+    device.back->setRefusesConfiguration(true);
+    device.back->setRefusesTorch(true);
+    testing::internal::CaptureStdout();
+    QTest::mouseClick(flash, Qt::LeftButton);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "aaaa\nbbb\n");
+    EXPECT_FALSE(device.back->isTorchActive());
+    EXPECT_EQ(device.back->configurationLocks(), 0);
+}
+
+} // namespace
+} // namespace kelvara::test
