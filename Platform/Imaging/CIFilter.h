@@ -10,7 +10,8 @@
 #include <memory>
 #include <optional>
 
-namespace kelvara {
+namespace kelvara
+{
 
 inline constexpr auto kCIInputImageKey = "inputImage";
 inline constexpr auto kCIInputExtentKey = "inputExtent";

@@ -12,9 +12,11 @@
 #include <memory>
 #include <optional>
 
-namespace kelvara {
+namespace kelvara
+{
 
-namespace imaging {
+namespace imaging
+{
 class Node;
 }
 
@@ -50,4 +52,3 @@ private:
 };
 
 } // namespace kelvara
-

@@ -1,0 +1,94 @@
+#include "Platform/Imaging/Srgb.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kelvara::imaging
+{
+
+namespace
+{
+
+// Fine enough that even the darkest bytes, where the curve is steepest, own five steps each.
+constexpr int kSteps = 16384;
+
+const std::array<std::uint8_t, kSteps + 1> kByteOfLinear = [] {
+    std::array<std::uint8_t, kSteps + 1> table {};
+    for (int step = 0; step <= kSteps; ++step)
+        table[step] = static_cast<std::uint8_t>(std::lround(255.0F * srgbEncoded(float(step) / kSteps)));
+    return table;
+}();
+
+// Interpolation of opaque pixels may miss 1 by a rounding.
+constexpr float kOpaque = 0.9999F;
+
+/// 0 for NaN too.
+float limited(float value)
+{
+    return value > 0.0F ? std::min(value, 1.0F) : 0.0F;
+}
+
+unsigned byteOf(float linear)
+{
+    return kByteOfLinear[static_cast<int>(limited(linear) * kSteps + 0.5F)];
+}
+
+/// The rare pixel that is neither opaque nor transparent: colours are separated from alpha on both sides.
+QRgb encodedTranslucent(const Pixel& pixel)
+{
+    const float alpha = limited(pixel.a);
+    const auto premultiplied
+        = [&](float linear) { return int(std::lround(255.0F * alpha * srgbEncoded(linear / alpha))); };
+    return qRgba(
+        premultiplied(pixel.r), premultiplied(pixel.g), premultiplied(pixel.b), int(std::lround(255.0F * alpha)));
+}
+
+} // namespace
+
+const std::array<float, 256> kLinearOfByte = [] {
+    std::array<float, 256> table {};
+    for (int byte = 0; byte < 256; ++byte)
+        table[byte] = srgbDecoded(float(byte) / 255.0F);
+    return table;
+}();
+
+float srgbDecoded(float encoded)
+{
+    const float value = limited(encoded);
+    return value <= 0.04045F ? value / 12.92F : std::pow((value + 0.055F) / 1.055F, 2.4F);
+}
+
+float srgbEncoded(float linear)
+{
+    const float value = limited(linear);
+    return value <= 0.0031308F ? value * 12.92F : 1.055F * std::pow(value, 1.0F / 2.4F) - 0.055F;
+}
+
+Pixel decodedPremultiplied(QRgb pixel)
+{
+    const int alpha = qAlpha(pixel);
+    if (alpha == 255)
+        return { kLinearOfByte[qRed(pixel)], kLinearOfByte[qGreen(pixel)], kLinearOfByte[qBlue(pixel)], 1.0F };
+    if (alpha == 0)
+        return {};
+    const float a = float(alpha) / 255.0F;
+    const auto linear = [&](int byte) { return a * srgbDecoded(float(byte) / float(alpha)); };
+    return { linear(qRed(pixel)), linear(qGreen(pixel)), linear(qBlue(pixel)), a };
+}
+
+void decodeRow(const QRgb* in, int count, bool opaque, Pixel* out)
+{
+    const QRgb forced = opaque ? 0xFF000000U : 0U;
+    std::transform(in, in + count, out, [&](QRgb pixel) { return decodedPremultiplied(pixel | forced); });
+}
+
+void encodeRow(const Pixel* in, int count, QRgb* out)
+{
+    std::transform(in, in + count, out, [](const Pixel& pixel) -> QRgb {
+        if (pixel.a >= kOpaque)
+            return 0xFF000000U | byteOf(pixel.r) << 16 | byteOf(pixel.g) << 8 | byteOf(pixel.b);
+        return pixel.a > 0.0F ? encodedTranslucent(pixel) : 0U;
+    });
+}
+
+} // namespace kelvara::imaging
