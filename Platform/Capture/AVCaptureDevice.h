@@ -8,7 +8,8 @@
 
 #include <functional>
 
-namespace kelvara {
+namespace kelvara
+{
 
 /// Receives a device's pictures: 32BGRA, alpha 255 in every pixel, row 0 at the top, in the device's own axes (as the
 /// sensor lies). Called on a thread of the device's choosing, one call at a time.
@@ -31,6 +32,13 @@ public:
     /// By how many degrees (0, 90, 180, 270; clockwise) a picture must be turned to stand upright in portrait. 0: the
     /// device is upright and ignores the orientation asked of its connections.
     [[nodiscard]] virtual int sensorRotation() const { return 0; }
+
+    /// True while another application holds the camera: a session does not take it as an input.
+    [[nodiscard]] virtual bool isInUseByAnotherApplication() const { return false; }
+    /// Whether the pictures can come in the quality of the preset.
+    [[nodiscard]] virtual bool supportsPreset(AVCaptureSessionPreset) const { return true; }
+    /// Whether the pictures can be had as frames; false: a session with this camera takes no video data output.
+    [[nodiscard]] virtual bool supportsVideoDataOutput() const { return true; }
 
     // Torch. A device without one answers false and refuses.
     [[nodiscard]] virtual bool hasTorch() const { return false; }

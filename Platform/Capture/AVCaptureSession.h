@@ -8,7 +8,8 @@
 #include <memory>
 #include <vector>
 
-namespace kelvara {
+namespace kelvara
+{
 
 class AVCaptureInput;
 class AVCaptureVideoDataOutput;
@@ -62,6 +63,11 @@ Q_SIGNALS:
     void runningChanged(bool running);
 
 private:
+    /// Puts the present inputs, outputs and wishes into effect, unless a commit is still to come.
+    void update();
+    /// Emits `runningChanged` if there is something to tell.
+    void tell();
+
     struct State;
     std::unique_ptr<State> d;
 };

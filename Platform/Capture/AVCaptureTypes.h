@@ -2,7 +2,8 @@
 
 #include <QtGlobal>
 
-namespace kelvara {
+namespace kelvara
+{
 
 /// Where a camera looks. Raw values are the platform's.
 enum class AVCaptureDevicePosition { Unspecified = 0, Back = 1, Front = 2 };
@@ -12,7 +13,13 @@ enum class AVCaptureDevicePosition { Unspecified = 0, Back = 1, Front = 2 };
 enum class AVCaptureVideoOrientation { Portrait = 1, PortraitUpsideDown = 2, LandscapeRight = 3, LandscapeLeft = 4 };
 
 /// How the interface is turned, as the host's window system tells it.
-enum class UIInterfaceOrientation { Unknown = 0, Portrait = 1, PortraitUpsideDown = 2, LandscapeRight = 3, LandscapeLeft = 4 };
+enum class UIInterfaceOrientation {
+    Unknown = 0,
+    Portrait = 1,
+    PortraitUpsideDown = 2,
+    LandscapeRight = 3,
+    LandscapeLeft = 4
+};
 
 /// The video orientation of an interface orientation: the case of the same name; portrait for unknown or any other.
 [[nodiscard]] AVCaptureVideoOrientation videoOrientation(UIInterfaceOrientation interfaceOrientation);

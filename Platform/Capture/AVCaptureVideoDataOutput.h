@@ -5,18 +5,20 @@
 
 #include <memory>
 
-namespace kelvara {
+namespace kelvara
+{
 
 class SerialQueue;
 class AVCaptureVideoDataOutput;
+class FrameTurner;
 
 /// Receives the frames of a video data output on the output's queue.
 class AVCaptureVideoDataOutputSampleBufferDelegate
 {
 public:
     virtual ~AVCaptureVideoDataOutputSampleBufferDelegate() = default;
-    virtual void captureOutput(AVCaptureVideoDataOutput& output, const CMSampleBuffer& sampleBuffer,
-        AVCaptureConnection& connection)
+    virtual void captureOutput(
+        AVCaptureVideoDataOutput& output, const CMSampleBuffer& sampleBuffer, AVCaptureConnection& connection)
         = 0;
 };
 
@@ -46,10 +48,14 @@ public:
     [[nodiscard]] AVCaptureConnection* firstConnection() const;
 
     // For the session.
+    [[nodiscard]] bool isAttached() const;
     void attach();
     void detach();
-    /// Any thread, one call at a time.
+    /// Drops the frame that waits in the delegate's queue, if there is one. Main thread.
+    void dropQueued();
+    /// A new frame in the device's axes. Any thread, one call at a time.
     void deliver(const CMSampleBuffer& frame);
+    void deliver(FrameTurner& frame);
 
 private:
     struct State;

@@ -13,10 +13,12 @@
 
 class QPainter;
 
-namespace kelvara {
+namespace kelvara
+{
 
 class AVCaptureSession;
 class CMSampleBuffer;
+class FrameTurner;
 
 /// Shows a session's pictures. Not a widget: the view that holds the layer paints it at the bottom of its own
 /// `paintEvent` and repaints when `needsDisplay` fires. Main thread, but for `deliver`.
@@ -50,8 +52,9 @@ public:
     /// The picture last shown, turned and mirrored; null before the first.
     [[nodiscard]] QImage image() const;
 
-    // For the session: a new picture. Any thread, one call at a time.
+    // For the session: a new picture in the device's axes. Any thread, one call at a time.
     void deliver(const CMSampleBuffer& frame);
+    void deliver(FrameTurner& frame);
     void inputChanged(bool hasInput, bool frontCamera, int sensorRotation);
 
 Q_SIGNALS:

@@ -5,7 +5,8 @@
 #include <chrono>
 #include <optional>
 
-namespace kelvara {
+namespace kelvara
+{
 
 /// One delivery of the camera: a picture, if there is one, and when it was taken. A value, any thread.
 class CMSampleBuffer
@@ -13,7 +14,8 @@ class CMSampleBuffer
 public:
     CMSampleBuffer() = default;
     explicit CMSampleBuffer(CVPixelBuffer image, std::chrono::microseconds time = {})
-        : m_image(std::move(image)), m_time(time)
+        : m_image(std::move(image))
+        , m_time(time)
     {
     }
 

@@ -4,7 +4,8 @@
 
 #include <memory>
 
-namespace kelvara {
+namespace kelvara
+{
 
 class AVCaptureDevice;
 

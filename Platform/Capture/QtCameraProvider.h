@@ -6,7 +6,8 @@
 
 #include <memory>
 
-namespace kelvara {
+namespace kelvara
+{
 
 /// The device's real cameras, through Qt Multimedia. Main thread.
 ///

@@ -12,14 +12,17 @@
 #include <memory>
 #include <optional>
 
-namespace kelvara {
+namespace kelvara
+{
 
 /// How a replayed picture's pixels lie in memory before they reach the session, so that the conversions that real
 /// cameras need are used too.
 enum class ReplayPixelLayout { BGRA, NV12, I420, YUYV, MJPEG };
 
-/// Makes the picture of one moment: `index` counts delivered frames from 0, `time` is the time since the start. A null
-/// image ends the source. Called on the camera's own thread, one call at a time.
+/// Makes the picture of one moment: `index` counts the pictures from 0, `time` is the time since the first. Both begin
+/// again with each start of the camera, and when the source loops. A null image ends the source. 32-bit opaque images
+/// are delivered without a copy. Called on the camera's own thread, one call at a time; stopping the camera waits for
+/// it, so it must not wait for the main thread.
 using ReplayGenerator = std::function<QImage(std::int64_t index, std::chrono::microseconds time)>;
 
 /// Where a replay camera's pictures come from. A value.
@@ -37,7 +40,8 @@ public:
     [[nodiscard]] static ReplaySource path(const QString& path);
     [[nodiscard]] static ReplaySource generator(ReplayGenerator generator);
 
-    /// A sentence that says why the source cannot be used; absent when it can.
+    /// A sentence that says why the source cannot be used; absent when it can. Files are opened for it (a still is
+    /// decoded and kept). Any thread.
     [[nodiscard]] std::optional<QString> problem() const;
 
     struct Data;
@@ -48,13 +52,14 @@ private:
 };
 
 /// How a replay camera presents itself and its pictures.
-struct ReplayCameraOptions
-{
+struct ReplayCameraOptions {
     QString name = QStringLiteral("Replay camera");
     AVCaptureDevicePosition position = AVCaptureDevicePosition::Back;
     /// Size of the delivered pictures; a source of another size is scaled to fill it and cut about its centre. Empty:
     /// the size of the source's own pictures.
     QSize size;
+    /// How many pictures are delivered in a second, whatever a video file says of itself; when making one takes too
+    /// long, moments are left out. 0 or less: as fast as they can be made.
     double framesPerSecond = 30.0;
     ReplayPixelLayout layout = ReplayPixelLayout::BGRA;
     /// Extra bytes at the end of each row, as real drivers have them.
@@ -68,7 +73,8 @@ struct ReplayCameraOptions
 };
 
 /// A camera without hardware: for hosts' tests, demonstrations and replaying what went wrong. Delivers its source at a
-/// frame rate through the same conversions as a real camera. Main thread unless said otherwise.
+/// frame rate through the same conversions as a real camera. Each start begins the source anew. A camera whose source
+/// has a problem refuses to start. Main thread unless said otherwise.
 class ReplayCamera final : public AVCaptureDevice
 {
     Q_OBJECT
@@ -81,6 +87,8 @@ public:
     [[nodiscard]] AVCaptureDevicePosition position() const override;
     [[nodiscard]] bool isConnected() const override;
     [[nodiscard]] int sensorRotation() const override;
+    [[nodiscard]] bool isInUseByAnotherApplication() const override;
+    [[nodiscard]] bool supportsVideoDataOutput() const override;
     [[nodiscard]] bool hasTorch() const override;
     [[nodiscard]] bool isTorchActive() const override;
     [[nodiscard]] bool lockForConfiguration() override;
@@ -100,9 +108,13 @@ public:
     void setConnected(bool connected);
     /// The next `start` calls fail while set.
     void setRefusesToStart(bool refuses);
-    /// The configuration lock, and the torch, refuse while set.
+    /// Another application holds the camera: no session takes it as an input, and `start` fails.
+    void setInUseByAnotherApplication(bool inUse);
+    /// `lockForConfiguration` fails while set; so does `setTorchModeOn`, respectively.
     void setRefusesConfiguration(bool refuses);
     void setRefusesTorch(bool refuses);
+    /// A session with this camera takes no video data output while set.
+    void setRefusesVideoDataOutput(bool refuses);
     /// How often the configuration was locked and not yet unlocked.
     [[nodiscard]] int configurationLocks() const;
 

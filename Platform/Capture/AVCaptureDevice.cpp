@@ -1,0 +1,11 @@
+#include "Platform/Capture/AVCaptureDevice.h"
+
+namespace kelvara
+{
+
+bool AVCaptureDevice::setTorchModeOn(float)
+{
+    return false;
+}
+
+} // namespace kelvara

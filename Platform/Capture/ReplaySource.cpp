@@ -1,0 +1,109 @@
+#include "Platform/Capture/ReplaySourceData.h"
+
+#include <QFileInfo>
+#include <QImageReader>
+
+#include <utility>
+
+namespace kelvara
+{
+
+namespace
+{
+
+struct GeneratorSource final : ReplaySource::Data {
+    struct Reader final : ReplayReader {
+        explicit Reader(ReplayGenerator function)
+            : generator(std::move(function))
+        {
+        }
+        QImage next(std::int64_t index, std::chrono::microseconds time) override { return generator(index, time); }
+        ReplayGenerator generator;
+    };
+
+    explicit GeneratorSource(ReplayGenerator function)
+        : generator(std::move(function))
+    {
+    }
+
+    std::optional<QString> problem() const override
+    {
+        if (!generator)
+            return QStringLiteral("There is no generator function.");
+        return std::nullopt;
+    }
+
+    std::unique_ptr<ReplayReader> open() const override
+    {
+        return generator ? std::make_unique<Reader>(generator) : nullptr;
+    }
+
+    ReplayGenerator generator;
+};
+
+} // namespace
+
+std::optional<QString> replayFileProblem(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return QStringLiteral("There is no file or folder \"%1\".").arg(path);
+    if (!info.isReadable())
+        return QStringLiteral("\"%1\" may not be read.").arg(path);
+    return std::nullopt;
+}
+
+ReplaySource ReplaySource::still(const QString& path)
+{
+    ReplaySource source;
+    source.m_data = makeStillSource(path);
+    return source;
+}
+
+ReplaySource ReplaySource::still(const QImage& image)
+{
+    ReplaySource source;
+    source.m_data = makeStillSource(image);
+    return source;
+}
+
+ReplaySource ReplaySource::folder(const QString& path)
+{
+    ReplaySource source;
+    source.m_data = makeFolderSource(path);
+    return source;
+}
+
+ReplaySource ReplaySource::video(const QString& path)
+{
+    ReplaySource source;
+    source.m_data = makeVideoSource(path);
+    return source;
+}
+
+ReplaySource ReplaySource::path(const QString& path)
+{
+    if (QFileInfo(path).isDir())
+        return folder(path);
+    QImageReader reader(path);
+    reader.setDecideFormatFromContent(true);
+    if (reader.canRead() || replayFileProblem(path))
+        return still(path);
+    return video(path);
+}
+
+ReplaySource ReplaySource::generator(ReplayGenerator generator)
+{
+    ReplaySource source;
+    source.m_data = std::make_shared<GeneratorSource>(std::move(generator));
+    return source;
+}
+
+std::optional<QString> ReplaySource::problem() const
+{
+    if (!m_data)
+        return QStringLiteral("There is no source.");
+    return m_data->problem();
+}
+
+} // namespace kelvara
