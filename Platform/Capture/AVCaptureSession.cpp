@@ -153,7 +153,8 @@ bool AVCaptureSession::canAddInput(const std::shared_ptr<AVCaptureInput>& input)
 
 void AVCaptureSession::addInput(const std::shared_ptr<AVCaptureInput>& input)
 {
-    if (!canAddInput(input) || (d->deviceInput() && std::dynamic_pointer_cast<AVCaptureDeviceInput>(input)))
+    const bool known = std::find(d->inputs.begin(), d->inputs.end(), input) != d->inputs.end();
+    if (!input || known || (d->deviceInput() && std::dynamic_pointer_cast<AVCaptureDeviceInput>(input)))
         return;
     d->inputs.push_back(input);
     update();

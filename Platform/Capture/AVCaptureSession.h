@@ -40,7 +40,8 @@ public:
     /// connected or refuses to be used. One camera serves at a time, but that is a matter of `addInput`: a session
     /// with no input yet answers for each camera by itself.
     [[nodiscard]] bool canAddInput(const std::shared_ptr<AVCaptureInput>& input) const;
-    /// Ignored unless the input can be added.
+    /// Ignored for null, an input that the session has, and a second device. A device that is unplugged or in use is
+    /// taken all the same: the session runs as soon as it can be had.
     void addInput(const std::shared_ptr<AVCaptureInput>& input);
     void removeInput(const std::shared_ptr<AVCaptureInput>& input);
     [[nodiscard]] const std::vector<std::shared_ptr<AVCaptureInput>>& inputs() const;

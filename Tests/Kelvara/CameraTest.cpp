@@ -95,14 +95,13 @@ INSTANTIATE_TEST_SUITE_P(All, Trouble,
             "could not create input device from back camera", false },
         TroubleRow { "frontUnplugged", [](Device& d) { d.front->setConnected(false); },
             "could not create input device from front camera", false },
-        TroubleRow { "backRefusesTheSession", [](Device& d) { d.back->setRefusesSession(true); },
+        TroubleRow { "backRefusesTheSession", [](Device& d) { d.back->setInUseByAnotherApplication(true); },
             "could not add back camera input to capture session", false },
-        TroubleRow { "frontRefusesTheSession", [](Device& d) { d.front->setRefusesSession(true); },
+        TroubleRow { "frontRefusesTheSession", [](Device& d) { d.front->setInUseByAnotherApplication(true); },
             "could not add front camera input to capture session", false },
-        TroubleRow { "noVideoData", [](Device& d) { d.back->setRefusesVideoOutput(true); },
+        TroubleRow { "noVideoData", [](Device& d) { d.back->setRefusesVideoDataOutput(true); },
             "could not add video output", true },
-        TroubleRow { "doesNotStart", [](Device& d) { d.back->setRefusesToStart(true); }, "", false },
-        TroubleRow { "noPhotoPreset", [](Device& d) { d.back->setRefusesPhotoPreset(true); }, "", true }),
+        TroubleRow { "doesNotStart", [](Device& d) { d.back->setRefusesToStart(true); }, "", false }),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Camera, AnUnpluggedCameraComesBack)
