@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Kelvara/ControlButton.h"
+
+namespace kelvara {
+
+/// The wide button of the text screens: a white title (17 points, semibold) on a coloured background with corners
+/// rounded by 8. Main thread.
+class ActionButton : public ControlButton
+{
+    Q_OBJECT
+
+public:
+    explicit ActionButton(QWidget* parent = nullptr);
+};
+
+} // namespace kelvara

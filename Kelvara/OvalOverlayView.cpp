@@ -1,0 +1,45 @@
+#include "Kelvara/OvalOverlayView.h"
+
+#include "Platform/Foundation/FatalError.h"
+
+#include <numbers>
+
+namespace kelvara {
+
+namespace {
+
+constexpr QSizeF kOval { 300.0, 400.0 };
+
+} // namespace
+
+OvalOverlayView::OvalOverlayView(QWidget* parent) : DimmingOverlay(parent) { }
+
+OvalOverlayView::OvalOverlayView(const QRect& frame, QWidget* parent) : OvalOverlayView(parent)
+{
+    setGeometry(frame);
+}
+
+void OvalOverlayView::draw(const QRectF&)
+{
+    overlayFrame = calculateCutoutRect();
+    removeSublayers();
+    drawOvalCutout();
+}
+
+QRectF OvalOverlayView::calculateCutoutRect() const
+{
+    return { QPointF((width() - kOval.width()) / 2, (height() - kOval.height()) / 2), kOval };
+}
+
+void OvalOverlayView::drawOvalCutout()
+{
+    if (!overlayFrame)
+        fatalError("The selfie's cut-out was drawn before it was computed.");
+    QPainterPath outline;
+    outline.addEllipse(*overlayFrame);
+    QRectF inscribed(QPointF(), kOval / std::numbers::sqrt2 - QSizeF(4, 4));
+    inscribed.moveCenter(overlayFrame->center());
+    install(outline, inscribed, Qt::transparent);
+}
+
+} // namespace kelvara

@@ -1,0 +1,8 @@
+#include "Kelvara/SdkModel.h"
+
+namespace kelvara {
+
+SdkModel::SdkModel() = default;
+SdkModel::~SdkModel() = default;
+
+} // namespace kelvara
