@@ -16,6 +16,7 @@ namespace kelvara {
 class FlipImageView : public QWidget
 {
     Q_OBJECT
+    Q_PROPERTY(double alpha READ alpha)
 
 public:
     explicit FlipImageView(QWidget* parent = nullptr);
