@@ -3,11 +3,9 @@
 #include <future>
 #include <system_error>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 std::optional<QString> pngBase64(const std::optional<UIImage>& image)
 {

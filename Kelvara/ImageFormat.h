@@ -7,8 +7,7 @@
 #include <optional>
 #include <utility>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// How an image is encoded: JPEG at a quality of 0 to 1, or PNG. A value.
 class ImageFormat
@@ -24,11 +23,7 @@ public:
     [[nodiscard]] constexpr double quality() const { return m_quality; }
 
 private:
-    constexpr ImageFormat(Case kind, double quality)
-        : m_kind(kind)
-        , m_quality(quality)
-    {
-    }
+    constexpr ImageFormat(Case kind, double quality) : m_kind(kind), m_quality(quality) { }
 
     Case m_kind;
     double m_quality;

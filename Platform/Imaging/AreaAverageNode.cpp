@@ -3,11 +3,9 @@
 #include <optional>
 #include <vector>
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
-namespace
-{
+namespace {
 
 Pixel meanOf(const Node& input, const QRect& area)
 {
@@ -41,10 +39,7 @@ Pixel meanOf(const Node& input, const QRect& area)
 class AverageRow final : public RowRenderer
 {
 public:
-    explicit AverageRow(Pixel mean)
-        : m_mean(mean)
-    {
-    }
+    explicit AverageRow(Pixel mean) : m_mean(mean) { }
 
     void row(int, int x0, int x1, Pixel* out) override { std::fill(out, out + (x1 - x0), m_mean); }
 

@@ -3,11 +3,9 @@
 #include "Platform/Imaging/CGImage.h"
 #include "Platform/Imaging/Srgb.h"
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
-namespace
-{
+namespace {
 
 QImage workable(const QImage& bitmap)
 {
@@ -20,10 +18,7 @@ QImage workable(const QImage& bitmap)
 class BitmapRows final : public RowRenderer
 {
 public:
-    explicit BitmapRows(PlacedBitmap source)
-        : m_source(std::move(source))
-    {
-    }
+    explicit BitmapRows(PlacedBitmap source) : m_source(std::move(source)) { }
 
     void row(int y, int x0, int x1, Pixel* out) override
     {
@@ -39,10 +34,7 @@ private:
 
 } // namespace
 
-BitmapNode::BitmapNode(const QImage& bitmap, QPoint origin)
-    : m_placed { workable(bitmap), origin }
-{
-}
+BitmapNode::BitmapNode(const QImage& bitmap, QPoint origin) : m_placed { workable(bitmap), origin } { }
 
 std::unique_ptr<RowRenderer> BitmapNode::open() const
 {

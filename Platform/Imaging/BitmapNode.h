@@ -2,8 +2,7 @@
 
 #include "Platform/Imaging/Node.h"
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
 /// The source of every recipe: a bitmap at a place.
 class BitmapNode final : public Node

@@ -5,11 +5,9 @@
 #include "Platform/Imaging/PerspectiveNode.h"
 #include "Platform/Imaging/PixelRect.h"
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
-namespace
-{
+namespace {
 
 /// A filter whose inputs are kept as they come.
 class KeyedFilter : public CIFilter
@@ -19,7 +17,7 @@ public:
 
 protected:
     /// The input as a T; absent when it is missing or something else.
-    template <typename T> [[nodiscard]] std::optional<T> value(const char* key) const
+    template<typename T> [[nodiscard]] std::optional<T> value(const char* key) const
     {
         const QVariant found = m_values.value(QLatin1String(key));
         return found.canConvert<T>() ? std::optional(found.value<T>()) : std::nullopt;

@@ -2,8 +2,7 @@
 
 #include "Platform/Imaging/CIFilter.h"
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
 /// A built-in filter of that name; null when there is none.
 [[nodiscard]] std::unique_ptr<CIFilter> makeBuiltInFilter(const QString& name);

@@ -7,11 +7,9 @@
 #include <cmath>
 #include <memory>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 /// A view of the rectangle, which lies within the bitmap: the same bytes, kept alive by the view.
 QImage viewInto(const QImage& bitmap, const QRect& rect)

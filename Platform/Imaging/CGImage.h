@@ -5,8 +5,7 @@
 
 #include <optional>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Cuts a bitmap to a rectangle in its pixels (origin top-left): the rectangle is made integral outwards, intersected
 /// with the bitmap, and yields nothing when that is empty or not finite. The result is a view into the same bytes and

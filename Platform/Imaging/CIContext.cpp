@@ -7,11 +7,9 @@
 #include <cstring>
 #include <vector>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 using imaging::Node;
 using imaging::Pixel;
@@ -29,7 +27,7 @@ bool isReasonable(const QRect& rect)
 
 /// Gives the rectangle's rows, topmost first, to `take(row from the top, pixels)`. A recipe of just a bitmap is handed
 /// on as it is; all others go through linear light.
-template <typename Take> void renderRows(const Node& node, const QRect& rect, Take take)
+template<typename Take> void renderRows(const Node& node, const QRect& rect, Take take)
 {
     const QRect extent = node.extent();
     const PlacedBitmap* plain = node.plain();

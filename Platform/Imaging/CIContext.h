@@ -9,8 +9,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Evaluates filter images, row by row in one pass, without intermediate bitmaps. Colours are worked on in linear
 /// light: decoded from sRGB at the source, encoded at the bitmap. Without state of its own; any thread, one rendering

@@ -5,13 +5,12 @@
 #include <map>
 #include <mutex>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
-struct Registration {
+struct Registration
+{
     CIFilter::Constructor constructor;
     QVariantMap attributes;
 };

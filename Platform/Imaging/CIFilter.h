@@ -10,8 +10,7 @@
 #include <memory>
 #include <optional>
 
-namespace kelvara
-{
+namespace kelvara {
 
 inline constexpr auto kCIInputImageKey = "inputImage";
 inline constexpr auto kCIInputExtentKey = "inputExtent";

@@ -6,18 +6,11 @@
 #include "Platform/Imaging/OrientNode.h"
 #include "Platform/Imaging/PixelRect.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
-CIImage::CIImage(const QImage& bitmap)
-    : m_node(std::make_shared<imaging::BitmapNode>(bitmap))
-{
-}
+CIImage::CIImage(const QImage& bitmap) : m_node(std::make_shared<imaging::BitmapNode>(bitmap)) { }
 
-CIImage::CIImage(std::shared_ptr<const imaging::Node> node)
-    : m_node(std::move(node))
-{
-}
+CIImage::CIImage(std::shared_ptr<const imaging::Node> node) : m_node(std::move(node)) { }
 
 std::optional<CIImage> CIImage::make(const UIImage& image)
 {

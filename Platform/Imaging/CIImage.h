@@ -12,11 +12,9 @@
 #include <memory>
 #include <optional>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace imaging
-{
+namespace imaging {
 class Node;
 }
 

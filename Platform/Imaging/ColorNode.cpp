@@ -1,19 +1,15 @@
 #include "Platform/Imaging/ColorNode.h"
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
-namespace
-{
+namespace {
 
 class ColoredRows final : public RowRenderer
 {
 public:
     ColoredRows(std::unique_ptr<RowRenderer> input, ColorFunction function)
-        : m_input(std::move(input))
-        , m_function(std::move(function))
-    {
-    }
+        : m_input(std::move(input)), m_function(std::move(function))
+    { }
 
     void row(int y, int x0, int x1, Pixel* out) override
     {

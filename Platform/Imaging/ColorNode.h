@@ -5,8 +5,7 @@
 #include <functional>
 #include <span>
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
 /// Changes pixels of a row in place, each on its own.
 using ColorFunction = std::function<void(std::span<Pixel>)>;
@@ -16,10 +15,8 @@ class ColorNode final : public Node
 {
 public:
     ColorNode(std::shared_ptr<const Node> input, ColorFunction function)
-        : m_input(std::move(input))
-        , m_function(std::move(function))
-    {
-    }
+        : m_input(std::move(input)), m_function(std::move(function))
+    { }
 
     [[nodiscard]] QRect extent() const override { return m_input->extent(); }
     [[nodiscard]] std::unique_ptr<RowRenderer> open() const override;

@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
-namespace
-{
+namespace {
 
 constexpr double kLargest = 16384;
 constexpr double kShortestEdge = 0.5;

@@ -6,11 +6,11 @@
 #include <array>
 #include <optional>
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
 /// Four corners of a quadrilateral, origin bottom-left.
-struct Quad {
+struct Quad
+{
     QPointF topLeft;
     QPointF topRight;
     QPointF bottomLeft;
@@ -18,7 +18,8 @@ struct Quad {
 };
 
 /// A projective map of the plane: (x, y) ↦ ((ax + by + c) / w, (dx + ey + f) / w) with w = gx + hy + 1.
-struct Homography {
+struct Homography
+{
     double a = 1;
     double b = 0;
     double c = 0;

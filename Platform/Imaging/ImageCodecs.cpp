@@ -7,8 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace kelvara
-{
+namespace kelvara {
 
 std::optional<QByteArray> UIImagePNGRepresentation(const UIImage& image)
 {

@@ -7,11 +7,11 @@
 #include <algorithm>
 #include <memory>
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
 /// One pixel in linear light, colours multiplied by alpha. 1 is white; values beyond 0…1 are kept until the bitmap.
-struct alignas(16) Pixel {
+struct alignas(16) Pixel
+{
     float r = 0;
     float g = 0;
     float b = 0;
@@ -33,7 +33,8 @@ public:
 };
 
 /// A recipe's pixels when they are simply those of a bitmap.
-struct PlacedBitmap {
+struct PlacedBitmap
+{
     QImage bitmap; ///< RGB32 or ARGB32_Premultiplied; its row 0 is the picture's top.
     QPoint origin; ///< Where its lower-left corner lies.
 };

@@ -2,22 +2,17 @@
 
 #include <vector>
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
-namespace
-{
+namespace {
 
 /// Positions here are (column, row from the top) within the input, as orientations are defined on bitmaps.
 class FlippedRows final : public RowRenderer
 {
 public:
     FlippedRows(std::unique_ptr<RowRenderer> input, const QRect& extent, OrientationSteps steps)
-        : m_input(std::move(input))
-        , m_extent(extent)
-        , m_steps(steps)
-    {
-    }
+        : m_input(std::move(input)), m_extent(extent), m_steps(steps)
+    { }
 
     void row(int y, int x0, int x1, Pixel* out) override
     {
@@ -41,11 +36,8 @@ class TransposedRows final : public RowRenderer
 {
 public:
     TransposedRows(std::unique_ptr<RowRenderer> input, const QRect& extent, OrientationSteps steps)
-        : m_input(std::move(input))
-        , m_extent(extent)
-        , m_steps(steps)
-    {
-    }
+        : m_input(std::move(input)), m_extent(extent), m_steps(steps)
+    { }
 
     void row(int y, int x0, int x1, Pixel* out) override
     {

@@ -2,12 +2,12 @@
 
 #include "Platform/Imaging/UIImage.h"
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
 /// An orientation as operations on the stored bitmap (row 0 at the top): first the flips, then, if asked for, the
 /// swap of rows and columns.
-struct OrientationSteps {
+struct OrientationSteps
+{
     bool flipX = false;
     bool flipY = false;
     bool transpose = false;

@@ -3,8 +3,7 @@
 #include "Platform/Imaging/Homography.h"
 #include "Platform/Imaging/Node.h"
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
 /// A quadrilateral of a recipe made an upright rectangle: (0, 0, `uprightSize`). Pixels are interpolated bilinearly in
 /// linear light; at the input's edge its outermost pixels go on up to the edge, and beyond it there is nothing.
@@ -15,11 +14,8 @@ public:
     [[nodiscard]] static std::shared_ptr<const Node> make(std::shared_ptr<const Node> input, const Quad& quad);
 
     PerspectiveNode(std::shared_ptr<const Node> input, QSize size, const Homography& toInput)
-        : m_input(std::move(input))
-        , m_size(size)
-        , m_toInput(toInput)
-    {
-    }
+        : m_input(std::move(input)), m_size(size), m_toInput(toInput)
+    { }
 
     [[nodiscard]] QRect extent() const override { return { QPoint(), m_size }; }
     [[nodiscard]] std::unique_ptr<RowRenderer> open() const override;

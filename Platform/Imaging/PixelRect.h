@@ -5,8 +5,7 @@
 
 #include <optional>
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
 /// The smallest rectangle of whole pixels around `rect`. Absent when it is empty, not finite or has an edge beyond
 /// ±2²⁹.

@@ -9,36 +9,35 @@
 #include <cstring>
 #include <memory>
 #include <new>
-#include <span>
 #include <vector>
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
-namespace
-{
+namespace {
 
+// On photographs the Average filter and the fastest level give files a few percent larger than the slowest encoders'.
 constexpr int kLevel = 1;
 constexpr std::uint8_t kAverage = 3;
-// PNG allows 2³¹ − 1; no picture of a camera needs a second chunk.
-constexpr std::size_t kLargestChunk = std::size_t { 1 } << 30;
 
-struct CompressorDeleter {
+constexpr std::size_t kSignatureBytes = 8;
+constexpr std::size_t kHeaderBytes = 13;
+constexpr std::size_t kChunkFrame = 12; // length, type and checksum
+// A chunk, of which one must hold all pixels, has at most 2³¹ − 1 bytes. Half of that is more than any picture.
+constexpr std::size_t kMostBytes = std::size_t { 1 } << 30;
+
+struct CompressorDeleter
+{
     void operator()(libdeflate_compressor* compressor) const { libdeflate_free_compressor(compressor); }
 };
 using Compressor = std::unique_ptr<libdeflate_compressor, CompressorDeleter>;
 
-void appendChunk(QByteArray& png, const char (&type)[5], std::span<const std::uint8_t> data)
+/// Puts length, type and checksum around data that stand 8 bytes behind `chunk`. Returns the place of the next chunk.
+char* frameChunk(char* chunk, const char (&type)[5], std::size_t dataBytes)
 {
-    const auto number = [&](std::size_t value) {
-        const quint32 big = qToBigEndian(static_cast<quint32>(value));
-        png.append(reinterpret_cast<const char*>(&big), sizeof big);
-    };
-    number(data.size());
-    const qsizetype checkedFrom = png.size();
-    png.append(type, 4);
-    png.append(reinterpret_cast<const char*>(data.data()), qsizetype(data.size()));
-    number(libdeflate_crc32(0, png.constData() + checkedFrom, std::size_t(png.size() - checkedFrom)));
+    qToBigEndian(quint32(dataBytes), chunk);
+    std::memcpy(chunk + 4, type, 4);
+    qToBigEndian(quint32(libdeflate_crc32(0, chunk + 4, 4 + dataBytes)), chunk + 8 + dataBytes);
+    return chunk + kChunkFrame + dataBytes;
 }
 
 /// True when no pixel of the bitmap lets anything through.
@@ -72,36 +71,28 @@ void packRow(const QImage& bitmap, int y, int channels, std::uint8_t* out)
     }
 }
 
-/// The rows, each less what its left and upper neighbours let expect (their mean).
-std::vector<std::uint8_t> filteredRows(const QImage& bitmap, int channels)
+/// One row less what its left and upper neighbours let expect (their mean).
+void filterRow(const std::uint8_t* line, const std::uint8_t* above, std::size_t rowBytes, std::size_t pixelBytes,
+    std::uint8_t* out)
+{
+    for (std::size_t i = 0; i < pixelBytes; ++i)
+        out[i] = std::uint8_t(line[i] - above[i] / 2);
+    for (std::size_t i = pixelBytes; i < rowBytes; ++i)
+        out[i] = std::uint8_t(line[i] - (line[i - pixelBytes] + above[i]) / 2);
+}
+
+void filterRows(const QImage& bitmap, int channels, std::uint8_t* out)
 {
     const std::size_t rowBytes = std::size_t(bitmap.width()) * std::size_t(channels);
-    const auto bpp = std::size_t(channels);
-    std::vector<std::uint8_t> filtered((rowBytes + 1) * std::size_t(bitmap.height()));
     std::vector<std::uint8_t> above(rowBytes);
     std::vector<std::uint8_t> line(rowBytes);
-    std::uint8_t* out = filtered.data();
     for (int y = 0; y < bitmap.height(); ++y) {
         packRow(bitmap, y, channels, line.data());
         *out++ = kAverage;
-        for (std::size_t i = 0; i < bpp; ++i)
-            out[i] = std::uint8_t(line[i] - above[i] / 2);
-        for (std::size_t i = bpp; i < rowBytes; ++i)
-            out[i] = std::uint8_t(line[i] - (line[i - bpp] + above[i]) / 2);
+        filterRow(line.data(), above.data(), rowBytes, std::size_t(channels), out);
         out += rowBytes;
         above.swap(line);
     }
-    return filtered;
-}
-
-std::vector<std::uint8_t> deflated(std::span<const std::uint8_t> data)
-{
-    const Compressor compressor(libdeflate_alloc_compressor(kLevel));
-    if (!compressor)
-        return {};
-    std::vector<std::uint8_t> out(libdeflate_zlib_compress_bound(compressor.get(), data.size()));
-    out.resize(libdeflate_zlib_compress(compressor.get(), data.data(), data.size(), out.data(), out.size()));
-    return out;
 }
 
 /// The bitmap in the layout that `packRow` reads: RGB32-like when opaque, RGBA8888 otherwise.
@@ -124,23 +115,29 @@ try {
     const QImage image = inKnownLayout(bitmap);
     if (image.isNull())
         return std::nullopt;
-    const bool alpha = image.format() == QImage::Format_RGBA8888;
-    const std::vector<std::uint8_t> packed = deflated(filteredRows(image, alpha ? 4 : 3));
-    if (packed.empty())
+    const int channels = image.format() == QImage::Format_RGBA8888 ? 4 : 3;
+    const std::size_t bytes = (std::size_t(image.width()) * std::size_t(channels) + 1) * std::size_t(image.height());
+    const Compressor compressor(libdeflate_alloc_compressor(kLevel));
+    if (!compressor || bytes > kMostBytes)
         return std::nullopt;
+    const auto filtered = std::make_unique_for_overwrite<std::uint8_t[]>(bytes);
+    filterRows(image, channels, filtered.get());
 
-    std::array<std::uint8_t, 13> header {};
-    qToBigEndian(quint32(image.width()), header.data());
-    qToBigEndian(quint32(image.height()), header.data() + 4);
-    header[8] = 8;
-    header[9] = alpha ? 6 : 2;
-
-    QByteArray png("\x89PNG\r\n\x1a\n", 8);
-    png.reserve(qsizetype(packed.size()) + 100);
-    appendChunk(png, "IHDR", header);
-    for (std::size_t from = 0; from < packed.size(); from += kLargestChunk)
-        appendChunk(png, "IDAT", std::span(packed).subspan(from, std::min(kLargestChunk, packed.size() - from)));
-    appendChunk(png, "IEND", {});
+    const std::size_t bound = libdeflate_zlib_compress_bound(compressor.get(), bytes);
+    QByteArray png(qsizetype(kSignatureBytes + 3 * kChunkFrame + kHeaderBytes + bound), Qt::Uninitialized);
+    std::memcpy(png.data(), "\x89PNG\r\n\x1a\n", kSignatureBytes);
+    char* chunk = png.data() + kSignatureBytes;
+    qToBigEndian(quint32(image.width()), chunk + 8);
+    qToBigEndian(quint32(image.height()), chunk + 12);
+    const std::array<char, 5> rest { 8, char(channels == 4 ? 6 : 2), 0, 0, 0 };
+    std::copy(rest.begin(), rest.end(), chunk + 16);
+    chunk = frameChunk(chunk, "IHDR", kHeaderBytes);
+    const std::size_t packed = libdeflate_zlib_compress(compressor.get(), filtered.get(), bytes, chunk + 8, bound);
+    if (packed == 0)
+        return std::nullopt;
+    chunk = frameChunk(chunk, "IDAT", packed);
+    chunk = frameChunk(chunk, "IEND", 0);
+    png.truncate(chunk - png.constData());
     return png;
 } catch (const std::bad_alloc&) {
     return std::nullopt;

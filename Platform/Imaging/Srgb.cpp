@@ -1,13 +1,12 @@
 #include "Platform/Imaging/Srgb.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
-namespace
-{
+namespace {
 
 // Fine enough that even the darkest bytes, where the curve is steepest, own five steps each.
 constexpr int kSteps = 16384;
@@ -28,9 +27,18 @@ float limited(float value)
     return value > 0.0F ? std::min(value, 1.0F) : 0.0F;
 }
 
-unsigned byteOf(float linear)
+using Float4 [[gnu::vector_size(16)]] = float;
+using Int4 [[gnu::vector_size(16)]] = int;
+
+QRgb encodedOpaque(const Pixel& pixel)
 {
-    return kByteOfLinear[static_cast<int>(limited(linear) * kSteps + 0.5F)];
+    constexpr Float4 half = { 0.5F, 0.5F, 0.5F, 0.5F };
+    constexpr Float4 most = { kSteps + 0.5F, kSteps + 0.5F, kSteps + 0.5F, kSteps + 0.5F };
+    const Float4 scaled = std::bit_cast<Float4>(pixel) * float(kSteps) + half;
+    const Float4 raised = scaled > half ? scaled : half; // a NaN becomes the least too
+    const auto step = __builtin_convertvector(raised < most ? raised : most, Int4);
+    return 0xFF000000U | unsigned(kByteOfLinear[step[0]]) << 16 | unsigned(kByteOfLinear[step[1]]) << 8
+        | kByteOfLinear[step[2]];
 }
 
 /// The rare pixel that is neither opaque nor transparent: colours are separated from alpha on both sides.
@@ -85,8 +93,8 @@ void decodeRow(const QRgb* in, int count, bool opaque, Pixel* out)
 void encodeRow(const Pixel* in, int count, QRgb* out)
 {
     std::transform(in, in + count, out, [](const Pixel& pixel) -> QRgb {
-        if (pixel.a >= kOpaque)
-            return 0xFF000000U | byteOf(pixel.r) << 16 | byteOf(pixel.g) << 8 | byteOf(pixel.b);
+        if (pixel.a >= kOpaque) [[likely]]
+            return encodedOpaque(pixel);
         return pixel.a > 0.0F ? encodedTranslucent(pixel) : 0U;
     });
 }

@@ -7,8 +7,7 @@
 #include <array>
 #include <cstdint>
 
-namespace kelvara::imaging
-{
+namespace kelvara::imaging {
 
 /// Linear light of each encoded byte; exact to a float's precision.
 extern const std::array<float, 256> kLinearOfByte;

@@ -7,8 +7,7 @@
 
 #include <cmath>
 
-namespace kelvara
-{
+namespace kelvara {
 
 CGImagePropertyOrientation imagePropertyOrientation(UIImageOrientation orientation)
 {
@@ -80,11 +79,8 @@ imaging::OrientationSteps imaging::stepsUpright(CGImagePropertyOrientation orien
 }
 
 UIImage::UIImage(QImage bitmap, double scale, UIImageOrientation orientation)
-    : m_bitmap(std::move(bitmap))
-    , m_orientation(orientation)
-    , m_scale(std::isfinite(scale) && scale > 0 ? scale : 1.0)
-{
-}
+    : m_bitmap(std::move(bitmap)), m_orientation(orientation), m_scale(std::isfinite(scale) && scale > 0 ? scale : 1.0)
+{ }
 
 std::optional<QImage> UIImage::cgImage() const
 {

@@ -5,8 +5,7 @@
 
 #include <optional>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Which way is up in a bitmap, as photo libraries say it. Raw values are the platform's.
 enum class UIImageOrientation {
