@@ -27,26 +27,26 @@ struct SceneOptions
     double fill = 0.85;
     /// The part of the picture that the cut-out will show; null: the whole picture. The card is centred in it.
     QRectF frame;
-    double rollDegrees = 0;  ///< in the picture's plane
+    double rollDegrees = 0; ///< in the picture's plane
     double pitchDegrees = 0; ///< about the card's long axis
-    double yawDegrees = 0;   ///< about its short axis
-    QPointF shift;           ///< of the card's centre, in pixels
-    double shadow = 0;       ///< 0 none … 1 strong
-    double glare = 0;        ///< 0 none … 1 burnt-out spot or stripe over part of the card
-    double lowContrast = 0;  ///< 0 none … 1 background of nearly the card's own colour
-    bool fingers = false;    ///< thumb or fingers over an edge
-    double motionBlur = 0;   ///< length in pixels
-    double focusBlur = 0;    ///< sigma in pixels
-    double noise = 2;        ///< sigma in grey levels
-    double exposure = 0;     ///< stops
+    double yawDegrees = 0; ///< about its short axis
+    QPointF shift; ///< of the card's centre, in pixels
+    double shadow = 0; ///< 0 none … 1 strong
+    double glare = 0; ///< 0 none … 1 burnt-out spot or stripe over part of the card
+    double lowContrast = 0; ///< 0 none … 1 background of nearly the card's own colour
+    bool fingers = false; ///< thumb or fingers over an edge
+    double motionBlur = 0; ///< length in pixels
+    double focusBlur = 0; ///< sigma in pixels
+    double noise = 2; ///< sigma in grey levels
+    double exposure = 0; ///< stops
 };
 
 /// A picture with its truth.
 struct Scene
 {
-    QImage image;                     ///< `Format_ARGB32_Premultiplied`, opaque.
+    QImage image; ///< `Format_ARGB32_Premultiplied`, opaque.
     std::optional<QPolygonF> corners; ///< The card's four corners (before rounding): TL, TR, BR, BL of the card.
-    std::optional<QRectF> face;       ///< The portrait's or the person's face (forehead to chin, ear to ear).
+    std::optional<QRectF> face; ///< The portrait's or the person's face (forehead to chin, ear to ear).
 };
 
 /// Takes the picture. Any thread.
