@@ -37,6 +37,8 @@ public:
 
 protected:
     [[nodiscard]] double paintedRotation() const override;
+    /// Being disabled has a picture of its own here, and the one of being busy must not fade.
+    [[nodiscard]] double disabledImageOpacity() const override { return 1; }
 
 private:
     void finishHalfTurn();

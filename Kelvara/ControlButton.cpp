@@ -1,26 +1,35 @@
 #include "Kelvara/ControlButton.h"
 
+#include "Kelvara/PaintScale.h"
+#include "Kelvara/TextSeam.h"
 #include "Kelvara/TouchMargin.h"
 
+#include <QApplication>
 #include <QFocusEvent>
 #include <QFontMetrics>
+#include <QImage>
 #include <QKeyEvent>
-#include <QPainter>
 #include <QPainterPath>
 
 #include <algorithm>
 #include <numbers>
+#include <utility>
 
 namespace kelvara {
 
 namespace {
 
-constexpr double kPressedOpacity = 0.65;
-constexpr double kHoveredOpacity = 0.88;
+constexpr double kPressedScale = 0.93;
+constexpr double kPressedOpacity = 0.85;
+constexpr double kHoveredOpacity = 0.9;
 constexpr double kDisabledOpacity = 0.5;
 constexpr int kPressedDarkening = 122;
 constexpr int kHoveredLightening = 110;
 constexpr int kTitleMargin = 16;
+/// Just enough of a seam to lift white letters on the accent colour to a contrast of 4.5 : 1.
+constexpr double kTitleSeamRadius = 1.5;
+constexpr int kTitleSeamAlpha = 84;
+constexpr QColor kFocusColor { 255, 210, 74 };
 
 /// True while the focus moves on by itself, because the widget that had it without a ring vanished or was disabled.
 bool s_focusFellToNext = false;
@@ -110,20 +119,24 @@ QSize ControlButton::sizeHint() const
     return size;
 }
 
-QPainterPath ControlButton::outline(double inset) const
+QPainterPath ControlButton::outline(double inset, double cornerRadius) const
 {
-    const QRectF area = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
-    const double radius = std::max(0.0, m_cornerRadius - inset);
+    const double radius = std::max(0.0, cornerRadius - inset);
     QPainterPath path;
-    path.addRoundedRect(area, radius, radius);
+    path.addRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
     return path;
+}
+
+double ControlButton::disabledImageOpacity() const
+{
+    return kDisabledOpacity;
 }
 
 bool ControlButton::hitButton(const QPoint& position) const
 {
     if (m_touchMargin && !rect().contains(position))
         return m_touchMargin->contains(position);
-    return rect().contains(position) && outline(0).contains(QPointF(position) + QPointF(0.5, 0.5));
+    return rect().contains(position) && outline(0, m_cornerRadius).contains(QPointF(position) + QPointF(0.5, 0.5));
 }
 
 void ControlButton::paintEvent(QPaintEvent*)
@@ -136,57 +149,85 @@ void ControlButton::paintEvent(QPaintEvent*)
         painter.rotate(angle * 180 / std::numbers::pi);
         painter.translate(-middle);
     }
-    paintContent(painter);
+    paintBackground(painter);
+    paintImages(painter);
+    painter.setOpacity(isEnabled() ? 1 : kDisabledOpacity);
+    if (!m_title.isEmpty())
+        paintTitle(painter);
+    painter.setOpacity(1);
     if (m_showsFocus && hasFocus())
         paintFocusRing(painter);
 }
 
-void ControlButton::paintContent(QPainter& painter) const
+void ControlButton::paintBackground(QPainter& painter) const
 {
-    const bool hovered = underMouse();
-    QColor background = m_backgroundColor;
+    QColor color = m_backgroundColor;
+    if (isDown())
+        color = color.darker(kPressedDarkening);
+    else if (underMouse() && isEnabled())
+        color = color.lighter(kHoveredLightening);
+    painter.setOpacity(isEnabled() ? 1 : kDisabledOpacity);
+    if (color.alpha() > 0)
+        painter.fillPath(outline(0, m_cornerRadius), color);
+}
+
+void ControlButton::paintImages(QPainter& painter) const
+{
+    painter.save();
+    const QRectF bounds = rect();
     double opacity = 1;
     if (!isEnabled()) {
-        opacity = kDisabledOpacity;
+        opacity = disabledImageOpacity();
     } else if (isDown()) {
-        background = background.darker(kPressedDarkening);
         opacity = kPressedOpacity;
-    } else if (hovered) {
-        background = background.lighter(kHoveredLightening);
+        painter.translate(bounds.center());
+        painter.scale(kPressedScale, kPressedScale);
+        painter.translate(-bounds.center());
+    } else if (underMouse()) {
         opacity = kHoveredOpacity;
     }
-    if (!isEnabled())
-        painter.setOpacity(opacity);
-    if (background.alpha() > 0)
-        painter.fillPath(outline(0), background);
-
     painter.setOpacity(opacity);
-    const QPainterPath clip = m_clipsToBounds && m_cornerRadius > 0 ? outline(0) : QPainterPath();
-    const QRectF bounds = rect();
-    if (m_backgroundImage)
-        m_backgroundImage->paint(painter, bounds, clip);
+    if (m_backgroundImage) {
+        const bool clips = m_clipsToBounds && m_cornerRadius > 0;
+        m_backgroundImage->paint(painter, bounds, clips ? outline(0, m_cornerRadius) : QPainterPath());
+    }
     if (m_image) {
         const QSizeF natural = m_image->size();
-        const QSizeF size = natural.scaled(bounds.size().boundedTo(natural), Qt::KeepAspectRatio);
-        QRectF target(QPointF(), size);
+        QRectF target(QPointF(), natural.scaled(bounds.size().boundedTo(natural), Qt::KeepAspectRatio));
         target.moveCenter(bounds.center());
         m_image->paint(painter, target, {});
     }
-    if (!m_title.isEmpty()) {
-        painter.setPen(m_titleColor);
+    painter.restore();
+}
+
+void ControlButton::paintTitle(QPainter& painter) const
+{
+    const double ratio = pixelsPerPoint(painter);
+    QImage letters((QSizeF(size()) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    if (letters.isNull())
+        return;
+    letters.setDevicePixelRatio(ratio);
+    letters.fill(Qt::transparent);
+    {
+        QPainter letterPainter(&letters);
+        letterPainter.setFont(font());
+        letterPainter.setPen(m_titleColor);
         const QRect area = rect().adjusted(kTitleMargin, 0, -kTitleMargin, 0);
-        painter.drawText(area, Qt::AlignCenter | Qt::TextSingleLine,
-            fontMetrics().elidedText(m_title, Qt::ElideMiddle, area.width()));
+        letterPainter.drawText(area, Qt::AlignCenter | Qt::TextSingleLine,
+            fontMetrics().elidedText(m_title, Qt::ElideRight, area.width()));
     }
-    painter.setOpacity(1);
+    QColor seam = seamColor(m_titleColor);
+    seam.setAlpha(kTitleSeamAlpha);
+    painter.drawImage(QPointF(0, 0), withSeam(letters, kTitleSeamRadius * ratio, seam));
 }
 
 void ControlButton::paintFocusRing(QPainter& painter) const
 {
-    // Light on dark: to be seen on whatever the camera shows.
-    painter.setBrush(Qt::NoBrush);
-    painter.strokePath(outline(1.5), QPen(QColor(0, 0, 0, 190), 3));
-    painter.strokePath(outline(1.5), QPen(Qt::white, 1.5));
+    // A light line on a dark one: to be seen on whatever the camera shows. What is just a picture is rather round.
+    const double half = std::min(width(), height()) / 2.0;
+    const QPainterPath ring = outline(2, m_cornerRadius > 0 || !m_title.isEmpty() ? m_cornerRadius : half);
+    painter.strokePath(ring, QPen(QColor(0, 0, 0, 200), 4));
+    painter.strokePath(ring, QPen(kFocusColor, 2));
 }
 
 void ControlButton::keyPressEvent(QKeyEvent* event)
@@ -217,7 +258,23 @@ void ControlButton::focusOutEvent(QFocusEvent* event)
 {
     // Qt moves the focus on as if by Tab when its owner vanishes: no ring for those who never used the keyboard.
     s_focusFellToNext = !m_showsFocus && event->reason() == Qt::TabFocusReason && !(isVisible() && isEnabled());
+    m_losesFocusDisabled = isVisible() && !isEnabled();
     QAbstractButton::focusOutEvent(event);
+}
+
+void ControlButton::changeEvent(QEvent* event)
+{
+    QAbstractButton::changeEvent(event);
+    if (event->type() != QEvent::EnabledChange)
+        return;
+    // The shutter comes and goes with what the camera sees. Whoever was about to press it by keyboard would otherwise
+    // press its neighbour.
+    if (!isEnabled()) {
+        m_awaitsFocus = std::exchange(m_losesFocusDisabled, false);
+        m_focusHeir = QApplication::focusWidget();
+    } else if (std::exchange(m_awaitsFocus, false) && isVisible() && QApplication::focusWidget() == m_focusHeir) {
+        setFocus(m_showsFocus ? Qt::TabFocusReason : Qt::MouseFocusReason);
+    }
 }
 
 } // namespace kelvara

@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QColor>
+#include <QPointer>
 
 #include <optional>
 
@@ -58,16 +59,22 @@ protected:
     /// By how much the whole button is painted turned about its middle, clockwise, in radians.
     [[nodiscard]] virtual double paintedRotation() const { return 0; }
 
+    /// How strongly a disabled button shows its images.
+    [[nodiscard]] virtual double disabledImageOpacity() const;
+
     bool hitButton(const QPoint& position) const override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     template<typename T> void assign(T& member, const T& value);
-    [[nodiscard]] QPainterPath outline(double inset) const;
-    void paintContent(QPainter& painter) const;
+    [[nodiscard]] QPainterPath outline(double inset, double cornerRadius) const;
+    void paintBackground(QPainter& painter) const;
+    void paintImages(QPainter& painter) const;
+    void paintTitle(QPainter& painter) const;
     void paintFocusRing(QPainter& painter) const;
 
     QString m_title;
@@ -78,6 +85,9 @@ private:
     double m_cornerRadius = 0;
     bool m_clipsToBounds = false;
     bool m_showsFocus = false;
+    bool m_losesFocusDisabled = false;
+    bool m_awaitsFocus = false;
+    QPointer<QWidget> m_focusHeir; ///< Who got the focus when this button lost it by being disabled.
     TouchMargin* m_touchMargin = nullptr;
 };
 

@@ -1,13 +1,10 @@
 #include "Kelvara/ControlImage.h"
 
 #include "Kelvara/ImageCatalog.h"
+#include "Kelvara/PaintScale.h"
 
 #include <QBrush>
-#include <QPainter>
 #include <QPainterPath>
-
-#include <algorithm>
-#include <cmath>
 
 namespace kelvara {
 
@@ -44,11 +41,7 @@ const QImage& ControlImage::rendered(const QSize& pixels) const
 
 void ControlImage::paint(QPainter& painter, const QRectF& target, const QPainterPath& clip) const
 {
-    // The scale that the painter gives a point, whichever way it is turned. The larger of the two axes, so that a
-    // picture which is being folded over keeps the same pixels.
-    const QTransform device = painter.deviceTransform();
-    const double scale = std::max(std::hypot(device.m11(), device.m12()), std::hypot(device.m21(), device.m22()));
-    const QSize pixels = (target.size() * scale).toSize();
+    const QSize pixels = (target.size() * pixelsPerPoint(painter)).toSize();
     if (isNull() || pixels.isEmpty())
         return;
     const QImage& image = rendered(pixels);

@@ -1,7 +1,8 @@
 #include "Kelvara/DimmingOverlay.h"
 
+#include "Kelvara/PaintScale.h"
+
 #include <QPaintEvent>
-#include <QPainter>
 
 #include <array>
 #include <cmath>
@@ -136,7 +137,7 @@ void DimmingOverlay::paintEvent(QPaintEvent*)
     const QTransform device = painter.deviceTransform();
     if (device.type() > QTransform::TxScale) {
         // Turned or sheared by whoever renders the view: there is no pixel grid to keep an image for.
-        const double ratio = devicePixelRatioF();
+        const double ratio = pixelsPerPoint(painter);
         const QRect pixels(0, 0, qCeil(width() * ratio), qCeil(height() * ratio));
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawImage(QRectF(rect()), render(QTransform::fromScale(ratio, ratio), pixels),

@@ -1,15 +1,14 @@
 #include "Kelvara/StatementLabel.h"
 
+#include "Kelvara/PaintScale.h"
 #include "Kelvara/TextSeam.h"
 
 #include <QEvent>
 #include <QFontInfo>
-#include <QPainter>
 #include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace kelvara {
 
@@ -154,7 +153,7 @@ QImage StatementLabel::render(double devicePixelRatio) const
         painter.setPen(textColor());
         setting.draw(painter, QPointF(margin, top));
     }
-    QColor seam = textColor().lightnessF() > 0.5F ? Qt::black : Qt::white;
+    QColor seam = seamColor(textColor());
     seam.setAlpha(kSeamAlpha);
     return withSeam(letters, seamRadius(font()) * devicePixelRatio, seam);
 }
@@ -163,15 +162,15 @@ void StatementLabel::paintEvent(QPaintEvent*)
 {
     if (text().isEmpty() || size().isEmpty())
         return;
+    QPainter painter(this);
     // The label lies over the camera preview and is painted with every frame: set the text only when something changed.
-    const double ratio = devicePixelRatioF();
+    const double ratio = pixelsPerPoint(painter);
     if (m_rendered.size() != (QSizeF(size()) * ratio).toSize() || m_rendered.devicePixelRatio() != ratio
         || m_renderedText != text() || m_renderedAlignment != alignment()) {
         m_rendered = render(ratio);
         m_renderedText = text();
         m_renderedAlignment = alignment();
     }
-    QPainter painter(this);
     painter.setOpacity(isEnabled() ? 1.0 : 0.5);
     painter.drawImage(0, 0, m_rendered);
 }

@@ -1,6 +1,5 @@
 #include "Kelvara/TextSeam.h"
 
-#include <QColor>
 #include <QPainter>
 
 #include <algorithm>
@@ -45,6 +44,11 @@ void blur(std::vector<float>& values, const QSize& size, int reach)
 }
 
 } // namespace
+
+QColor seamColor(const QColor& letters)
+{
+    return letters.lightnessF() > 0.5F ? Qt::black : Qt::white;
+}
 
 QImage withSeam(const QImage& letters, double radius, const QColor& seam)
 {

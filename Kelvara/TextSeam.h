@@ -1,11 +1,12 @@
 #pragma once
 
+#include <QColor>
 #include <QImage>
 
-class QColor;
+namespace kelvara {
 
-namespace kelvara
-{
+/// The colour that sets letters of a colour off: black from light ones, white from dark ones.
+[[nodiscard]] QColor seamColor(const QColor& letters);
 
 /// Lays a soft seam behind what is drawn in an image, so that it stands out from whatever lies beneath. `letters` is
 /// premultiplied; `radius` is about how far the seam reaches, in pixels: it is close to opaque along the edges and

@@ -1,12 +1,59 @@
 #include "Kelvara/ToggleButton.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QMouseEvent>
+
+#include <utility>
 
 namespace kelvara {
 
+namespace {
+
+/// Tells assistive technology the state, and lets it press. (Qt's own checkable buttons also offer it to change the
+/// state without a press, which would leave the torch as it is.)
+class AccessibleToggle final : public QAccessibleWidget
+{
+public:
+    explicit AccessibleToggle(ToggleButton* button) : QAccessibleWidget(button, QAccessible::CheckBox) { }
+
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.checkable = true;
+        state.checked = button()->isOn();
+        return state;
+    }
+    QStringList actionNames() const override
+    {
+        QStringList names = QAccessibleWidget::actionNames();
+        if (widget()->isEnabled())
+            names.prepend(pressAction());
+        return names;
+    }
+    void doAction(const QString& name) override
+    {
+        if (name == pressAction())
+            button()->click();
+        else
+            QAccessibleWidget::doAction(name);
+    }
+
+private:
+    [[nodiscard]] ToggleButton* button() const { return static_cast<ToggleButton*>(widget()); }
+};
+
+QAccessibleInterface* makeAccessible(const QString&, QObject* object)
+{
+    auto* toggle = qobject_cast<ToggleButton*>(object);
+    return toggle ? new AccessibleToggle(toggle) : nullptr;
+}
+
+} // namespace
+
 ToggleButton::ToggleButton(QWidget* parent) : ControlButton(parent)
 {
-    setCheckable(true); // Tells assistive technology the state.
+    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(makeAccessible), true);
     setMinimumTouchSize({ 44, 44 });
 }
 
@@ -17,10 +64,15 @@ ToggleButton::ToggleButton(const QRect& frame, QWidget* parent) : ToggleButton(p
 
 void ToggleButton::setIsOn(bool on)
 {
-    if (isChecked() == on)
-        updateDisplay();
-    else
-        setChecked(on);
+    const bool changes = m_isOn != on;
+    m_isOn = on;
+    updateDisplay();
+    if (changes) {
+        QAccessible::State state;
+        state.checked = true;
+        QAccessibleStateChangeEvent event(this, state);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 void ToggleButton::setOnImage(const std::optional<ControlImage>& image)
@@ -41,11 +93,6 @@ void ToggleButton::updateDisplay()
         setBackgroundImage(image);
 }
 
-void ToggleButton::checkStateSet()
-{
-    updateDisplay();
-}
-
 void ToggleButton::nextCheckState()
 {
     // Every way of pressing that ends inside comes here, right before `clicked()`.
@@ -60,9 +107,7 @@ void ToggleButton::mousePressEvent(QMouseEvent* event)
 
 void ToggleButton::mouseReleaseEvent(QMouseEvent* event)
 {
-    const bool endsTouch = event->button() == Qt::LeftButton && m_isTracking;
-    if (endsTouch) {
-        m_isTracking = false;
+    if (event->button() == Qt::LeftButton && std::exchange(m_isTracking, false)) {
         const bool clicks = isDown() && hitButton(event->position().toPoint());
         if (!clicks)
             setIsOn(!isOn());

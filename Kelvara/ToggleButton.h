@@ -20,7 +20,7 @@ public:
     explicit ToggleButton(const QRect& frame, QWidget* parent = nullptr);
 
     // Every assignment, of the same value too, updates what is shown.
-    [[nodiscard]] bool isOn() const { return isChecked(); }
+    [[nodiscard]] bool isOn() const { return m_isOn; }
     void setIsOn(bool on);
     [[nodiscard]] const std::optional<ControlImage>& onImage() const { return m_onImage; }
     void setOnImage(const std::optional<ControlImage>& image);
@@ -31,13 +31,13 @@ public:
     void updateDisplay();
 
 protected:
-    void checkStateSet() override;
     void nextCheckState() override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
 private:
+    bool m_isOn = false;
     std::optional<ControlImage> m_onImage;
     std::optional<ControlImage> m_offImage;
     bool m_isTracking = false;
