@@ -1,7 +1,6 @@
 #include "Platform/Capture/AVCaptureConnection.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
 int AVCaptureConnection::rotation() const
 {

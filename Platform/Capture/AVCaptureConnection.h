@@ -4,8 +4,7 @@
 
 #include <atomic>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// The way from a session's input to an output or a preview layer: how pictures are turned and mirrored on it.
 /// Written on the main thread, read on any.

@@ -1,7 +1,6 @@
 #include "Platform/Capture/AVCaptureDevice.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
 bool AVCaptureDevice::setTorchModeOn(float)
 {

@@ -8,8 +8,7 @@
 
 #include <functional>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Receives a device's pictures: 32BGRA, alpha 255 in every pixel, row 0 at the top, in the device's own axes (as the
 /// sensor lies). Called on a thread of the device's choosing, one call at a time.

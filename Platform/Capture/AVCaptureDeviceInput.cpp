@@ -2,8 +2,7 @@
 
 #include "Platform/Capture/AVCaptureDevice.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
 std::shared_ptr<AVCaptureDeviceInput> AVCaptureDeviceInput::make(std::shared_ptr<AVCaptureDevice> device)
 {

@@ -2,8 +2,7 @@
 
 #include <memory>
 
-namespace kelvara
-{
+namespace kelvara {
 
 class AVCaptureDevice;
 
@@ -24,10 +23,7 @@ public:
     [[nodiscard]] const std::shared_ptr<AVCaptureDevice>& device() const { return m_device; }
 
 private:
-    explicit AVCaptureDeviceInput(std::shared_ptr<AVCaptureDevice> device)
-        : m_device(std::move(device))
-    {
-    }
+    explicit AVCaptureDeviceInput(std::shared_ptr<AVCaptureDevice> device) : m_device(std::move(device)) { }
     std::shared_ptr<AVCaptureDevice> m_device;
 };
 

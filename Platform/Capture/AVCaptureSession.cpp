@@ -8,10 +8,10 @@
 
 #include <algorithm>
 
-namespace kelvara
-{
+namespace kelvara {
 
-struct AVCaptureSession::State {
+struct AVCaptureSession::State
+{
     std::vector<std::shared_ptr<AVCaptureInput>> inputs;
     std::vector<std::shared_ptr<AVCaptureVideoDataOutput>> outputs;
     std::vector<AVCaptureVideoPreviewLayer*> previews;
@@ -55,11 +55,7 @@ struct AVCaptureSession::State {
     void updateReceivers() { hub->setReceivers(outputs, previews); }
 };
 
-AVCaptureSession::AVCaptureSession(QObject* parent)
-    : QObject(parent)
-    , d(std::make_unique<State>())
-{
-}
+AVCaptureSession::AVCaptureSession(QObject* parent) : QObject(parent), d(std::make_unique<State>()) { }
 
 AVCaptureSession::~AVCaptureSession()
 {

@@ -8,8 +8,7 @@
 #include <memory>
 #include <vector>
 
-namespace kelvara
-{
+namespace kelvara {
 
 class AVCaptureInput;
 class AVCaptureVideoDataOutput;

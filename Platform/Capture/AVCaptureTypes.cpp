@@ -1,7 +1,6 @@
 #include "Platform/Capture/AVCaptureTypes.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
 AVCaptureVideoOrientation videoOrientation(UIInterfaceOrientation interfaceOrientation)
 {

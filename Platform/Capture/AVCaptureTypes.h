@@ -2,8 +2,7 @@
 
 #include <QtGlobal>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Where a camera looks. Raw values are the platform's.
 enum class AVCaptureDevicePosition { Unspecified = 0, Back = 1, Front = 2 };

@@ -9,14 +9,13 @@
 #include <mutex>
 #include <thread>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 /// What the blocks on the delegate's queue share with the output: they may outlive it.
-struct Core {
+struct Core
+{
     std::mutex mutex;
     AVCaptureVideoDataOutput* output = nullptr; ///< Null once the output is gone.
     AVCaptureVideoDataOutputSampleBufferDelegate* delegate = nullptr;
@@ -58,14 +57,14 @@ struct Core {
 
 } // namespace
 
-struct AVCaptureVideoDataOutput::State {
+struct AVCaptureVideoDataOutput::State
+{
     std::shared_ptr<Core> core = std::make_shared<Core>();
     bool attached = false;
     bool discardsLate = true;
 };
 
-AVCaptureVideoDataOutput::AVCaptureVideoDataOutput()
-    : d(std::make_unique<State>())
+AVCaptureVideoDataOutput::AVCaptureVideoDataOutput() : d(std::make_unique<State>())
 {
     d->core->output = this;
 }

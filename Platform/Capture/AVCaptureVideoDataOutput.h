@@ -5,8 +5,7 @@
 
 #include <memory>
 
-namespace kelvara
-{
+namespace kelvara {
 
 class SerialQueue;
 class AVCaptureVideoDataOutput;

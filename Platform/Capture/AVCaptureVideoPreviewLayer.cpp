@@ -9,11 +9,9 @@
 
 #include <mutex>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 /// The picture as an image over the same bytes.
 QImage wrapped(const CVPixelBuffer& picture)
@@ -26,7 +24,8 @@ QImage wrapped(const CVPixelBuffer& picture)
 
 } // namespace
 
-struct AVCaptureVideoPreviewLayer::State {
+struct AVCaptureVideoPreviewLayer::State
+{
     QPointer<AVCaptureSession> session;
     AVLayerVideoGravity gravity = AVLayerVideoGravity::ResizeAspect;
     QRectF frame;
@@ -44,8 +43,7 @@ struct AVCaptureVideoPreviewLayer::State {
 };
 
 AVCaptureVideoPreviewLayer::AVCaptureVideoPreviewLayer(AVCaptureSession* session, QObject* parent)
-    : QObject(parent)
-    , d(std::make_unique<State>())
+    : QObject(parent), d(std::make_unique<State>())
 {
     d->session = session;
     if (session)

@@ -13,8 +13,7 @@
 
 class QPainter;
 
-namespace kelvara
-{
+namespace kelvara {
 
 class AVCaptureSession;
 class CMSampleBuffer;

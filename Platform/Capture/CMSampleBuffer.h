@@ -5,8 +5,7 @@
 #include <chrono>
 #include <optional>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// One delivery of the camera: a picture, if there is one, and when it was taken. A value, any thread.
 class CMSampleBuffer
@@ -14,10 +13,8 @@ class CMSampleBuffer
 public:
     CMSampleBuffer() = default;
     explicit CMSampleBuffer(CVPixelBuffer image, std::chrono::microseconds time = {})
-        : m_image(std::move(image))
-        , m_time(time)
-    {
-    }
+        : m_image(std::move(image)), m_time(time)
+    { }
 
     /// The picture; absent for a delivery without one.
     [[nodiscard]] const std::optional<CVPixelBuffer>& imageBuffer() const { return m_image; }

@@ -3,24 +3,18 @@
 #include <atomic>
 #include <utility>
 
-namespace kelvara
-{
+namespace kelvara {
 
-struct CVPixelBuffer::Locks {
+struct CVPixelBuffer::Locks
+{
     std::atomic<int> count { 0 };
 };
 
 CVPixelBuffer::CVPixelBuffer(std::shared_ptr<const void> owner, const std::uint8_t* bytes, int width, int height,
     std::size_t bytesPerRow, std::uint32_t pixelFormat)
-    : m_owner(std::move(owner))
-    , m_locks(std::make_shared<Locks>())
-    , m_bytes(bytes)
-    , m_bytesPerRow(bytesPerRow)
-    , m_width(width)
-    , m_height(height)
-    , m_pixelFormat(pixelFormat)
-{
-}
+    : m_owner(std::move(owner)), m_locks(std::make_shared<Locks>()), m_bytes(bytes), m_bytesPerRow(bytesPerRow),
+      m_width(width), m_height(height), m_pixelFormat(pixelFormat)
+{ }
 
 bool CVPixelBuffer::lockBaseAddress() const
 {

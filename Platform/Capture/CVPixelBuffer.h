@@ -6,8 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// 'BGRA' as a four-character code: 32-bit pixels, blue first in memory.
 inline constexpr std::uint32_t kCVPixelFormatType_32BGRA = 0x42475241;

@@ -4,8 +4,7 @@
 
 #include <memory>
 
-namespace kelvara
-{
+namespace kelvara {
 
 class AVCaptureDevice;
 

@@ -6,8 +6,7 @@
 
 #include <utility>
 
-namespace kelvara
-{
+namespace kelvara {
 
 std::uint64_t CaptureHub::open()
 {

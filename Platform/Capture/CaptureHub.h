@@ -7,8 +7,7 @@
 #include <mutex>
 #include <vector>
 
-namespace kelvara
-{
+namespace kelvara {
 
 class AVCaptureVideoDataOutput;
 class AVCaptureVideoPreviewLayer;

@@ -4,24 +4,24 @@
 #include <new>
 #include <vector>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 /// A frame with the delegate, one in the preview, one being shown, one being made, and a little air.
 constexpr std::size_t kShelved = 6;
 constexpr std::int64_t kLargestPicture = 64 * 1024 * 1024;
 
-struct FreeBytes {
+struct FreeBytes
+{
     void operator()(std::uint8_t* bytes) const { ::operator delete (bytes, std::align_val_t { 64 }); }
 };
 using Bytes = std::unique_ptr<std::uint8_t, FreeBytes>;
 
 } // namespace
 
-struct FrameBufferPool::Shelf {
+struct FrameBufferPool::Shelf
+{
     /// Takes memory back; memory of a size no longer asked for is freed.
     void put(Bytes bytes, std::size_t size)
     {
@@ -50,10 +50,7 @@ struct FrameBufferPool::Shelf {
     std::size_t wanted = 0;
 };
 
-FrameBufferPool::FrameBufferPool()
-    : m_shelf(std::make_shared<Shelf>())
-{
-}
+FrameBufferPool::FrameBufferPool() : m_shelf(std::make_shared<Shelf>()) { }
 
 FrameBufferPool::Buffer FrameBufferPool::take(int width, int height)
 {

@@ -6,8 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Memory for 32-bit pictures that is used again: a buffer goes back when its last holder lets go, so that a stream
 /// of frames does not allocate. Buffers may outlive the pool. Internal; any thread.
@@ -15,7 +14,8 @@ class FrameBufferPool
 {
 public:
     /// Memory to write one picture into, before anyone else sees it. Rows lie 4 · width bytes apart.
-    struct Buffer {
+    struct Buffer
+    {
         std::shared_ptr<std::uint8_t> bytes;
         int width = 0;
         int height = 0;

@@ -4,8 +4,7 @@
 
 #include <opencv2/core.hpp>
 
-namespace kelvara
-{
+namespace kelvara {
 
 bool isReadable(const CVPixelBuffer& picture)
 {

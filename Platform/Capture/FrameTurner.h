@@ -5,8 +5,7 @@
 #include <optional>
 #include <vector>
 
-namespace kelvara
-{
+namespace kelvara {
 
 class FrameBufferPool;
 
@@ -16,11 +15,7 @@ class FrameTurner
 {
 public:
     /// `pool` is borrowed.
-    FrameTurner(const CMSampleBuffer& frame, FrameBufferPool& pool)
-        : m_frame(frame)
-        , m_pool(pool)
-    {
-    }
+    FrameTurner(const CMSampleBuffer& frame, FrameBufferPool& pool) : m_frame(frame), m_pool(pool) { }
 
     [[nodiscard]] const CMSampleBuffer& frame() const { return m_frame; }
 
@@ -32,7 +27,8 @@ public:
     [[nodiscard]] std::optional<CVPixelBuffer> alreadyTurned(int rotation, bool mirrored) const;
 
 private:
-    struct Made {
+    struct Made
+    {
         int rotation;
         bool mirrored;
         CVPixelBuffer picture;

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace kelvara
-{
+namespace kelvara {
 
 QRectF PreviewMapping::pictureRect(const QSizeF& shownSize) const
 {

@@ -5,12 +5,12 @@
 #include <QRectF>
 #include <QSizeF>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// How a preview layer lays a camera's picture into its bounds: all that is needed to convert between the two. An
 /// immutable value, any thread.
-struct PreviewMapping {
+struct PreviewMapping
+{
     QRectF bounds; ///< The layer's frame in view coordinates (origin top-left, points).
     AVLayerVideoGravity gravity = AVLayerVideoGravity::ResizeAspectFill;
     int rotation = 0; ///< Degrees clockwise by which the picture is turned for showing.

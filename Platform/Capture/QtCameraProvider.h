@@ -6,14 +6,15 @@
 
 #include <memory>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// The device's real cameras, through Qt Multimedia. Main thread.
 ///
 /// Cameras that say where they look serve as what they say. Webcams do not: the first of unknown position serves as
 /// back camera, the second as front, and one webcam alone as both. `assign` or the environment variables
-/// KELVARA_BACK_CAMERA and KELVARA_FRONT_CAMERA choose a device by its description or identifier instead.
+/// KELVARA_BACK_CAMERA and KELVARA_FRONT_CAMERA choose a device by its description or identifier instead; while no such
+/// device is plugged in, that position has none. A device keeps working without its provider, but then hears of no
+/// unplugging.
 class QtCameraProvider final : public CameraProvider
 {
 public:

@@ -7,15 +7,13 @@
 
 #include <utility>
 
-namespace kelvara
-{
+namespace kelvara {
 
-struct ReplayCamera::State {
+struct ReplayCamera::State
+{
     State(ReplaySource source, ReplayCameraOptions wanted)
-        : options(std::move(wanted))
-        , producer(std::move(source), options)
-    {
-    }
+        : options(std::move(wanted)), producer(std::move(source), options)
+    { }
 
     const ReplayCameraOptions options;
     const QString uniqueID = QUuid::createUuid().toString(QUuid::WithoutBraces);
@@ -31,8 +29,7 @@ struct ReplayCamera::State {
 };
 
 ReplayCamera::ReplayCamera(ReplaySource source, ReplayCameraOptions options, QObject* parent)
-    : AVCaptureDevice(parent)
-    , d(std::make_unique<State>(std::move(source), std::move(options)))
+    : AVCaptureDevice(parent), d(std::make_unique<State>(std::move(source), std::move(options)))
 {
     d->producer.setEnded([this, token = d->life.token()] { MainQueue::async(token, [this] { Q_EMIT ended(); }); });
 }
@@ -182,10 +179,8 @@ std::int64_t ReplayCamera::deliveredFrames() const
 
 ReplayCameraProvider::ReplayCameraProvider(
     std::shared_ptr<AVCaptureDevice> back, std::shared_ptr<AVCaptureDevice> front)
-    : m_back(std::move(back))
-    , m_front(std::move(front))
-{
-}
+    : m_back(std::move(back)), m_front(std::move(front))
+{ }
 
 std::shared_ptr<AVCaptureDevice> ReplayCameraProvider::defaultDevice(
     AVCaptureDeviceType, AVMediaType media, AVCaptureDevicePosition position)

@@ -12,8 +12,7 @@
 #include <memory>
 #include <optional>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// How a replayed picture's pixels lie in memory before they reach the session, so that the conversions that real
 /// cameras need are used too.
@@ -52,7 +51,8 @@ private:
 };
 
 /// How a replay camera presents itself and its pictures.
-struct ReplayCameraOptions {
+struct ReplayCameraOptions
+{
     QString name = QStringLiteral("Replay camera");
     AVCaptureDevicePosition position = AVCaptureDevicePosition::Back;
     /// Size of the delivered pictures; a source of another size is scaled to fill it and cut about its centre. Empty:

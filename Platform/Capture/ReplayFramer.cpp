@@ -1,16 +1,15 @@
 #include "Platform/Capture/ReplayFramer.h"
 
 #include "Platform/Capture/FrameTurner.h"
+#include "Platform/Capture/ReplayLayout.h"
 
 #include <opencv2/imgproc.hpp>
 
 #include <cmath>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 cv::Mat matrixOf(const CVPixelBuffer& picture)
 {
@@ -106,6 +105,8 @@ std::optional<CVPixelBuffer> ReplayFramer::make(const QImage& picture)
         frame = turnedPicture(*frame, (360 - m_options.sensorRotation % 360) % 360, false, m_pool);
     if (frame && !m_options.size.isEmpty() && frame->size() != m_options.size)
         frame = covering(*frame, m_options.size, m_pool);
+    if (frame && (m_options.layout != ReplayPixelLayout::BGRA || m_options.rowPadding > 0))
+        frame = m_converter.convert(layOut(*frame, m_options.layout, m_options.rowPadding, m_laidOut));
     return frame;
 }
 

@@ -6,11 +6,9 @@
 #include <cmath>
 #include <utility>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
@@ -18,7 +16,8 @@ using std::chrono::microseconds;
 } // namespace
 
 /// Where the thread stands in its source. Its thread's own.
-struct ReplayProducer::Pass {
+struct ReplayProducer::Pass
+{
     std::shared_ptr<const ReplaySource::Data> source;
     std::unique_ptr<ReplayReader> reader;
     std::unique_ptr<ReplayFramer> framer;
@@ -38,10 +37,8 @@ struct ReplayProducer::Pass {
 };
 
 ReplayProducer::ReplayProducer(ReplaySource source, ReplayCameraOptions options)
-    : m_options(std::move(options))
-    , m_source(std::move(source))
-{
-}
+    : m_options(std::move(options)), m_source(std::move(source))
+{ }
 
 ReplayProducer::~ReplayProducer()
 {

@@ -7,8 +7,7 @@
 #include <mutex>
 #include <thread>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// A replay camera's thread: takes pictures from the source at the frame rate, has them made into frames and delivers
 /// these. Internal; main thread unless said otherwise.

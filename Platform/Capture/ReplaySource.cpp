@@ -5,26 +5,20 @@
 
 #include <utility>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
-struct GeneratorSource final : ReplaySource::Data {
-    struct Reader final : ReplayReader {
-        explicit Reader(ReplayGenerator function)
-            : generator(std::move(function))
-        {
-        }
+struct GeneratorSource final : ReplaySource::Data
+{
+    struct Reader final : ReplayReader
+    {
+        explicit Reader(ReplayGenerator function) : generator(std::move(function)) { }
         QImage next(std::int64_t index, std::chrono::microseconds time) override { return generator(index, time); }
         ReplayGenerator generator;
     };
 
-    explicit GeneratorSource(ReplayGenerator function)
-        : generator(std::move(function))
-    {
-    }
+    explicit GeneratorSource(ReplayGenerator function) : generator(std::move(function)) { }
 
     std::optional<QString> problem() const override
     {

@@ -2,8 +2,7 @@
 
 #include "Platform/Capture/ReplayCamera.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// One pass through a source's pictures. Internal; used on the camera's own thread.
 class ReplayReader
@@ -16,7 +15,8 @@ public:
 };
 
 /// What stands behind a `ReplaySource`. Internal; any thread.
-struct ReplaySource::Data {
+struct ReplaySource::Data
+{
     virtual ~Data() = default;
 
     /// See `ReplaySource::problem`.

@@ -7,11 +7,9 @@
 #include <mutex>
 #include <utility>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 /// A folder's pictures are kept decoded up to this much; what is beyond is read again on every pass.
 constexpr std::size_t kKeptBytes = 128U * 1024 * 1024;
@@ -36,22 +34,17 @@ QImage readPicture(const QString& path, QString& reason)
     return image;
 }
 
-struct StillSource final : ReplaySource::Data {
-    struct Reader final : ReplayReader {
-        explicit Reader(QImage picture)
-            : image(std::move(picture))
-        {
-        }
+struct StillSource final : ReplaySource::Data
+{
+    struct Reader final : ReplayReader
+    {
+        explicit Reader(QImage picture) : image(std::move(picture)) { }
         QImage next(std::int64_t, std::chrono::microseconds) override { return image; }
         QImage image;
     };
 
-    explicit StillSource(QString file)
-        : path(std::move(file))
-    {
-    }
-    explicit StillSource(const QImage& picture)
-        : image(picture)
+    explicit StillSource(QString file) : path(std::move(file)) { }
+    explicit StillSource(const QImage& picture) : image(picture)
     {
         if (picture.isNull())
             trouble = QStringLiteral("The picture is empty.");
@@ -91,11 +84,7 @@ struct StillSource final : ReplaySource::Data {
 class Album
 {
 public:
-    explicit Album(QStringList paths)
-        : m_paths(std::move(paths))
-        , m_kept(static_cast<std::size_t>(m_paths.size()))
-    {
-    }
+    explicit Album(QStringList paths) : m_paths(std::move(paths)), m_kept(static_cast<std::size_t>(m_paths.size())) { }
 
     [[nodiscard]] std::size_t count() const { return m_kept.size(); }
 
@@ -121,12 +110,11 @@ private:
     std::size_t m_keptBytes = 0;
 };
 
-struct FolderSource final : ReplaySource::Data {
-    struct Reader final : ReplayReader {
-        explicit Reader(std::shared_ptr<Album> pictures)
-            : album(std::move(pictures))
-        {
-        }
+struct FolderSource final : ReplaySource::Data
+{
+    struct Reader final : ReplayReader
+    {
+        explicit Reader(std::shared_ptr<Album> pictures) : album(std::move(pictures)) { }
 
         QImage next(std::int64_t, std::chrono::microseconds) override
         {
@@ -141,10 +129,7 @@ struct FolderSource final : ReplaySource::Data {
         std::size_t position = 0;
     };
 
-    explicit FolderSource(QString folder)
-        : path(std::move(folder))
-    {
-    }
+    explicit FolderSource(QString folder) : path(std::move(folder)) { }
 
     void load() const
     {

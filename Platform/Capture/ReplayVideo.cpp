@@ -7,11 +7,9 @@
 
 #include <utility>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 std::optional<cv::VideoCapture> openVideo(const QString& path)
 {
@@ -45,21 +43,17 @@ QImage nextFrame(cv::VideoCapture& capture, cv::Mat& frame)
     }
 }
 
-struct VideoSource final : ReplaySource::Data {
-    struct Reader final : ReplayReader {
-        explicit Reader(cv::VideoCapture video)
-            : capture(std::move(video))
-        {
-        }
+struct VideoSource final : ReplaySource::Data
+{
+    struct Reader final : ReplayReader
+    {
+        explicit Reader(cv::VideoCapture video) : capture(std::move(video)) { }
         QImage next(std::int64_t, std::chrono::microseconds) override { return nextFrame(capture, frame); }
         cv::VideoCapture capture;
         cv::Mat frame;
     };
 
-    explicit VideoSource(QString file)
-        : path(std::move(file))
-    {
-    }
+    explicit VideoSource(QString file) : path(std::move(file)) { }
 
     std::optional<QString> problem() const override
     {

@@ -85,8 +85,8 @@ struct Rig
 {
     explicit Rig(std::shared_ptr<AVCaptureDevice> device) : camera(std::move(device))
     {
-        QObject::connect(session.get(), &AVCaptureSession::runningChanged,
-            [this](bool running) { told.push_back(running); });
+        QObject::connect(
+            session.get(), &AVCaptureSession::runningChanged, [this](bool running) { told.push_back(running); });
         session->beginConfiguration();
         input = AVCaptureDeviceInput::make(camera);
         session->addInput(input);

@@ -1,0 +1,70 @@
+#include "Platform/Capture/CameraChoice.h"
+#include "Platform/Capture/QtCameraProvider.h"
+
+#include "Platform/Capture/AVCaptureDevice.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace kelvara::test {
+namespace {
+
+constexpr auto kBack = AVCaptureDevicePosition::Back;
+constexpr auto kFront = AVCaptureDevicePosition::Front;
+constexpr auto kUnknown = AVCaptureDevicePosition::Unspecified;
+
+struct Row
+{
+    const char* name;
+    std::vector<AVCaptureDevicePosition> cameras; ///< Identifiers are "0", "1", …; names "camera 0" and so on.
+    CameraAssignment assignment;
+    int back; ///< -1: none.
+    int front;
+};
+
+class CameraChoice : public testing::TestWithParam<Row>
+{ };
+
+TEST_P(CameraChoice, FollowsTheRule)
+{
+    std::vector<CameraDescription> cameras;
+    for (const auto position : GetParam().cameras) {
+        const QString number = QString::number(cameras.size());
+        cameras.push_back({ number, QStringLiteral("camera ") + number, position });
+    }
+    const auto choice = [&](AVCaptureDevicePosition position) {
+        const auto index = chooseCamera(cameras, position, GetParam().assignment);
+        return index ? static_cast<int>(*index) : -1;
+    };
+    EXPECT_EQ(choice(kBack), GetParam().back);
+    EXPECT_EQ(choice(kFront), GetParam().front);
+}
+
+const CameraAssignment kByRule;
+
+INSTANTIATE_TEST_SUITE_P(Rows, CameraChoice,
+    testing::Values(Row { "None", {}, kByRule, -1, -1 }, Row { "OneWebcamServesAsBoth", { kUnknown }, kByRule, 0, 0 },
+        Row { "TwoWebcams", { kUnknown, kUnknown, kUnknown }, kByRule, 0, 1 },
+        Row { "CamerasThatSay", { kFront, kBack, kBack }, kByRule, 1, 0 },
+        Row { "OnlyABackCamera", { kBack }, kByRule, 0, -1 }, Row { "OnlyAFrontCamera", { kFront }, kByRule, -1, 0 },
+        Row { "AWebcamBesideABackCamera", { kBack, kUnknown }, kByRule, 0, 1 },
+        Row { "AWebcamBesideAFrontCamera", { kUnknown, kFront }, kByRule, 0, 1 },
+        Row { "ByNameAgainstTheOrder", { kUnknown, kUnknown }, { QStringLiteral("camera 1"), {} }, 1, 0 },
+        Row { "ByIdentifier", { kUnknown, kUnknown }, { {}, QStringLiteral("0") }, 1, 0 },
+        Row { "ByNameAgainstWhatItSays", { kFront, kUnknown }, { QStringLiteral("camera 0"), {} }, 0, 0 },
+        Row { "OneForBothByName", { kUnknown, kUnknown }, { QStringLiteral("1"), QStringLiteral("1") }, 1, 1 },
+        Row { "AbsentNameIsNotReplaced", { kUnknown, kUnknown }, { QStringLiteral("other"), {} }, -1, 1 }),
+    [](const auto& row) { return row.param.name; });
+
+TEST(QtCameraProvider, AnswersWithoutCameras)
+{
+    QtCameraProvider provider;
+    if (const auto device = provider.defaultDevice(AVMediaType::Video))
+        GTEST_SKIP() << "a camera is plugged in: " << device->localizedName().toStdString();
+    EXPECT_EQ(provider.defaultDevice(AVCaptureDeviceType::BuiltInWideAngleCamera, AVMediaType::Video, kBack), nullptr);
+    EXPECT_EQ(provider.defaultDevice(AVCaptureDeviceType::BuiltInWideAngleCamera, AVMediaType::Video, kFront), nullptr);
+}
+
+} // namespace
+} // namespace kelvara::test
