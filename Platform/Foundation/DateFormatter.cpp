@@ -21,7 +21,12 @@ QString DateFormatter::string(const QDateTime& date) const
 
 std::optional<QDateTime> DateFormatter::date(const QString& text) const
 {
-    QDateTime parsed = QLocale().toDateTime(text, m_format);
+    const QLocale locale;
+    // A pattern of days only is read as a day: read as a moment it would first be one of the device's zone, and where
+    // clocks were put forward at midnight that day has no 00:00.
+    if (const QDate day = locale.toDate(text, m_format); day.isValid())
+        return m_zone ? day.startOfDay(*m_zone) : day.startOfDay();
+    QDateTime parsed = locale.toDateTime(text, m_format);
     if (!parsed.isValid())
         return std::nullopt;
     if (m_zone)

@@ -63,8 +63,7 @@ struct SerialQueue::State : QThread
 
 SerialQueue::SerialQueue(QString label, QualityOfService quality)
     : d(std::make_unique<State>(std::move(label), quality))
-{
-}
+{ }
 
 SerialQueue::~SerialQueue()
 {

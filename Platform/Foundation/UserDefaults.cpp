@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QSettings>
+#include <QUrl>
 
 #include <map>
 
@@ -14,24 +15,30 @@ class SettingsDefaults final : public UserDefaults
 public:
     SettingsDefaults()
         : m_settings(QSettings::IniFormat, QSettings::UserScope,
-              QCoreApplication::organizationName().isEmpty() ? QStringLiteral("Kelvara")
-                                                             : QCoreApplication::organizationName(),
-              QCoreApplication::applicationName())
-    {
-    }
+            QCoreApplication::organizationName().isEmpty() ? QStringLiteral("Kelvara")
+                                                           : QCoreApplication::organizationName(),
+            QCoreApplication::applicationName())
+    { }
 
     std::optional<QString> string(const QString& key) const override
     {
-        const QVariant value = m_settings.value(key);
+        const QVariant value = m_settings.value(stored(key));
         if (!value.isValid())
             return std::nullopt;
         return value.toString();
     }
 
-    void set(const QString& value, const QString& key) override { m_settings.setValue(key, value); }
-    void remove(const QString& key) override { m_settings.remove(key); }
+    void set(const QString& value, const QString& key) override { m_settings.setValue(stored(key), value); }
+    void remove(const QString& key) override { m_settings.remove(stored(key)); }
 
 private:
+    /// Settings read a slash as a group, whose removal takes all of it, and an empty key as everything; a key here is
+    /// just a name.
+    static QString stored(const QString& key)
+    {
+        return key.isEmpty() ? QStringLiteral("%") : QString::fromLatin1(QUrl::toPercentEncoding(key));
+    }
+
     QSettings m_settings;
 };
 
