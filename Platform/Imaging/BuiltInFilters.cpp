@@ -19,8 +19,8 @@ protected:
     /// The input as a T; absent when it is missing or something else.
     template<typename T> [[nodiscard]] std::optional<T> value(const char* key) const
     {
-        const QVariant found = m_values.value(QLatin1String(key));
-        return found.canConvert<T>() ? std::optional(found.value<T>()) : std::nullopt;
+        QVariant found = m_values.value(QLatin1String(key));
+        return found.convert(QMetaType::fromType<T>()) ? std::optional(found.value<T>()) : std::nullopt;
     }
 
 private:
