@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Demo/Delivery.h"
+#include "Kelvara/QorvelKycView.h"
+
+#include <QElapsedTimer>
+#include <QList>
+#include <QWidget>
+
+namespace kelvara::demo {
+
+/// A small host application: a window that embeds the view over a dark background and keeps what its delegate is told.
+class DemoHost final : public QWidget, public QorvelKycViewDelegate
+{
+    Q_OBJECT
+public:
+    DemoHost(const QSize& size, PlatformServices services);
+
+    [[nodiscard]] QorvelKycView& view() { return *m_view; }
+    [[nodiscard]] const QList<Delivery>& deliveries() const { return m_deliveries; }
+    /// How many of them brought photographs.
+    [[nodiscard]] qsizetype photographs() const;
+    [[nodiscard]] qint64 elapsedMilliseconds() const { return m_clock.elapsed(); }
+
+    /// What the window shows now, at two pixels a point.
+    [[nodiscard]] QImage screen();
+
+    void didDetectSdkDataBeforeJitsi(QorvelKycView& view, const std::shared_ptr<SdkModel>& didDetect) override;
+    void didCaptureIdFrontPhoto(QorvelKycView& view, const UIImage& image, const QString& imageBase64,
+        const UIImage& cropImage, const QString& cropImageBase64) override;
+    void didCaptureIdBackPhoto(QorvelKycView& view, const UIImage& image, const QString& imageBase64,
+        const UIImage& cropImage, const QString& cropImageBase64) override;
+    void didCaptureSelfiePhoto(QorvelKycView& view, const UIImage& image, const QString& imageBase64,
+        const UIImage& cropImage, const QString& cropImageBase64) override;
+    void didReadNfc(QorvelKycView& view, const NFCPassportModel& didRead) override;
+    void didClose(QorvelKycView& view, const std::shared_ptr<SdkModel>& didDetect) override;
+
+Q_SIGNALS:
+    /// The person gave up: by the view's close button or by closing the window.
+    void closed();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void note(const QString& method, const QList<DeliveredPicture>& pictures = {});
+
+    QElapsedTimer m_clock;
+    QList<Delivery> m_deliveries;
+    QorvelKycView* const m_view;
+};
+
+} // namespace kelvara::demo

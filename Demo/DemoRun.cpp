@@ -1,0 +1,236 @@
+#include "Demo/DemoRun.h"
+
+#include "Demo/Diagnosis.h"
+#include "Demo/Gallery.h"
+#include "Demo/ScanAreas.h"
+#include "Platform/Capture/CameraProvider.h"
+#include "Platform/PlatformServices.h"
+#include "Platform/Vision/VisionDetectors.h"
+
+#include <QJsonObject>
+
+#include <cstdio>
+
+namespace kelvara::demo {
+
+namespace {
+
+constexpr QSize kPhone(390, 844);
+constexpr QSize kDesktop(844, 390);
+constexpr QSize kFrame(1080, 1920);
+constexpr std::chrono::milliseconds kScriptedLimit { 60000 };
+constexpr int kWatchMilliseconds = 250;
+constexpr int kPatienceMilliseconds = 10000;
+
+void say(const QString& line)
+{
+    std::puts(qUtf8Printable(line));
+    std::fflush(stdout);
+}
+
+QJsonObject cameraResult(const FrameTap& camera)
+{
+    return { { QStringLiteral("name"), camera.localizedName() }, { QStringLiteral("frames"), camera.frames() },
+        { QStringLiteral("framesPerSecond"), camera.framesPerSecond() },
+        { QStringLiteral("width"), camera.frameSize().width() },
+        { QStringLiteral("height"), camera.frameSize().height() } };
+}
+
+const QList<ViewType>& steps()
+{
+    static const QList<ViewType> list { ViewType::idPhoto, ViewType::selfie };
+    return list;
+}
+
+} // namespace
+
+DemoRun::DemoRun(const DemoOptions& options, bool hasDisplay)
+    : m_options(options), m_byHand(hasDisplay && (options.byHand || (options.camera && !options.scripted))),
+      m_size(options.size.value_or(options.camera ? kDesktop : kPhone)), m_folder(options.out),
+      m_services(PlatformServices::native()), m_analysis(m_services.imageAnalysis)
+{
+    m_services.userDefaults = nullptr; // a demonstration leaves no traces
+}
+
+DemoRun::~DemoRun() = default;
+
+int DemoRun::exec()
+{
+    if (const auto problem = m_folder.prepare())
+        return fail(BadInput, *problem);
+    if (!openCameras())
+        return m_exitCode;
+    runFlow();
+    return report();
+}
+
+int DemoRun::fail(ExitCode code, const QString& sentence)
+{
+    std::fprintf(stderr, "%s\n", qUtf8Printable(sentence));
+    m_exitCode = code;
+    return code;
+}
+
+bool DemoRun::openCameras()
+{
+    return m_options.camera ? openReal() : openReplay();
+}
+
+bool DemoRun::openReplay()
+{
+    const QSize frame = m_size.height() > m_size.width() ? kFrame : kFrame.transposed();
+    auto stage = std::make_unique<ReplayStage>(m_options, ScanAreas::of(m_size, frame), m_analysis);
+    if (const auto problem = stage->open()) {
+        fail(BadInput, *problem);
+        return false;
+    }
+    m_back = std::make_shared<FrameTap>(stage->backCamera());
+    m_front = std::make_shared<FrameTap>(stage->frontCamera());
+    m_services.cameras = std::make_shared<ReplayCameraProvider>(m_back, m_front);
+    m_stage = std::move(stage);
+    return true;
+}
+
+bool DemoRun::openReal()
+{
+    const auto device = [this](AVCaptureDevicePosition position) {
+        return m_services.cameras->defaultDevice(
+            AVCaptureDeviceType::BuiltInWideAngleCamera, AVMediaType::Video, position);
+    };
+    const auto back = device(AVCaptureDevicePosition::Back);
+    const auto front = device(AVCaptureDevicePosition::Front);
+    if (!back || !front) {
+        fail(NoCamera,
+            QStringLiteral("No camera was found. Plug one in, or leave out --camera to see the demo with "
+                           "replayed pictures."));
+        return false;
+    }
+    m_back = std::make_shared<FrameTap>(back);
+    m_front = back == front ? m_back : std::make_shared<FrameTap>(front);
+    m_services.cameras = std::make_shared<ReplayCameraProvider>(m_back, m_front);
+    m_stage = std::make_unique<RealStage>();
+    say(QStringLiteral("Card: camera \"%1\". Selfie: camera \"%2\".")
+            .arg(back->localizedName(), front->localizedName()));
+    return true;
+}
+
+void DemoRun::runFlow()
+{
+    m_host = std::make_unique<DemoHost>(m_size, m_services);
+    m_host->view().setViewTypes(steps());
+    m_person = std::make_unique<ScriptedPerson>(*m_host, *m_stage, !m_byHand);
+    m_nextDiagnosis = kPatienceMilliseconds;
+
+    const auto stop = [this](const QString& failure) {
+        m_failure = failure;
+        m_loop.quit();
+    };
+    connect(m_person.get(), &ScriptedPerson::screenReached, this, [this](const QString& name) {
+        m_screens.append({ name, m_host->screen() });
+    });
+    connect(m_person.get(), &ScriptedPerson::finished, this, [stop] { stop(QString()); });
+    connect(m_host.get(), &DemoHost::closed, this,
+        [stop] { stop(QStringLiteral("The view was closed before the flow was complete.")); });
+    QTimer limit;
+    limit.setSingleShot(true);
+    const auto longest = m_options.limit ? m_options.limit : m_byHand ? std::nullopt : std::optional(kScriptedLimit);
+    if (longest) {
+        connect(&limit, &QTimer::timeout, this, [stop, longest] {
+            stop(QStringLiteral("The flow was not complete within %1 seconds.")
+                     .arg(static_cast<double>(longest->count()) / 1000));
+        });
+        limit.start(*longest);
+    }
+    QTimer watching;
+    connect(&watching, &QTimer::timeout, this, &DemoRun::watch);
+    watching.start(kWatchMilliseconds);
+
+    m_host->show();
+    m_loop.exec();
+    m_flowMilliseconds = m_host->elapsedMilliseconds();
+}
+
+std::shared_ptr<FrameTap> DemoRun::activeCamera() const
+{
+    return m_person->awaited() == Subject::Selfie ? m_front : m_back;
+}
+
+void DemoRun::watch()
+{
+    warnAboutSmallPrint();
+    const auto subject = m_person->awaited();
+    const qint64 waited = m_person->unreadyMilliseconds();
+    if (!subject || waited < kPatienceMilliseconds) {
+        m_nextDiagnosis = kPatienceMilliseconds;
+    } else if (waited >= m_nextDiagnosis) {
+        m_nextDiagnosis = waited + kPatienceMilliseconds;
+        say(whatIsMissing(*subject, activeCamera()->lastFrame(), m_host->size(), m_analysis));
+    }
+}
+
+void DemoRun::warnAboutSmallPrint()
+{
+    const QImage frame = m_warned ? QImage() : m_back->lastFrame();
+    if (frame.isNull())
+        return;
+    m_warned = true;
+    const double capital = ScanAreas::of(m_host->size(), frame.size()).mrzCapitalHeight();
+    if (capital < kReadableCapital)
+        say(QStringLiteral("Note: this camera's pictures (%1×%2) show the machine-readable zone's capitals only %3 "
+                           "pixels high; from %4 on they can be read. A camera of more pixels, or a window of another "
+                           "shape (--size), helps.")
+                .arg(frame.width())
+                .arg(frame.height())
+                .arg(capital, 0, 'f', 1)
+                .arg(kReadableCapital));
+}
+
+int DemoRun::report()
+{
+    m_host->view().stopScanning();
+    if (!m_failure.isEmpty()) {
+        m_screens.append({ QStringLiteral("given-up"), m_host->screen() });
+        if (const auto subject = m_person->awaited())
+            m_failure
+                += QLatin1Char(' ') + whatIsMissing(*subject, activeCamera()->lastFrame(), m_host->size(), m_analysis);
+    }
+    QJsonArray screens;
+    for (const Screen& screen : std::as_const(m_screens))
+        screens.append(m_folder.write(QStringLiteral("screen"), screen.name, screen.image));
+    QJsonArray gallery;
+    for (const GalleryScreen& screen : takeGallery(m_size))
+        gallery.append(m_folder.write(QStringLiteral("gallery"), screen.name, screen.image));
+    const QJsonArray deliveries = m_folder.write(m_host->deliveries());
+    if (m_failure.isEmpty() && !allSound(deliveries))
+        m_failure = QStringLiteral("A base64 text does not hold the picture it was given with; see result.json.");
+
+    QJsonArray stepNames;
+    for (const ViewType step : steps())
+        stepNames.append(description(step));
+    m_folder.writeResult(
+        { { QStringLiteral("completed"), m_failure.isEmpty() }, { QStringLiteral("failure"), m_failure },
+            { QStringLiteral("seed"), static_cast<qint64>(m_options.seed) }, { QStringLiteral("steps"), stepNames },
+            { QStringLiteral("width"), m_size.width() }, { QStringLiteral("height"), m_size.height() },
+            { QStringLiteral("byHand"), m_byHand }, { QStringLiteral("flowMilliseconds"), m_flowMilliseconds },
+            { QStringLiteral("delegateCalls"), deliveries }, { QStringLiteral("backCamera"), cameraResult(*m_back) },
+            { QStringLiteral("frontCamera"), cameraResult(*m_front) }, { QStringLiteral("screens"), screens },
+            { QStringLiteral("gallery"), gallery } });
+    if (!m_folder.problem().isEmpty())
+        return fail(BadInput, m_folder.problem());
+    if (!m_failure.isEmpty())
+        return fail(NotCompleted, m_failure);
+
+    say(QStringLiteral("Complete after %1 s: %2 photographs, %3 screens, %4 more in the gallery.\n"
+                       "Cameras: %5 frames a second at the back, %6 at the front.\n"
+                       "See %7")
+            .arg(static_cast<double>(m_flowMilliseconds) / 1000, 0, 'f', 1)
+            .arg(m_host->photographs())
+            .arg(screens.size())
+            .arg(gallery.size())
+            .arg(m_back->framesPerSecond(), 0, 'f', 1)
+            .arg(m_front->framesPerSecond(), 0, 'f', 1)
+            .arg(m_folder.path()));
+    return Completed;
+}
+
+} // namespace kelvara::demo

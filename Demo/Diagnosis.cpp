@@ -1,0 +1,48 @@
+#include "Demo/Diagnosis.h"
+
+#include "Demo/ScanAreas.h"
+
+#include <QStringList>
+
+namespace kelvara::demo {
+
+namespace {
+
+constexpr float kSmallestCard = 0.5F;
+
+QString cardTrouble(bool front, const QImage& shown, const PictureAnalysis& analysis)
+{
+    QStringList troubles;
+    if (!analysis.card(shown, kSmallestCard))
+        troubles << QStringLiteral("no card rectangle is found in the cut-out");
+    const bool face = analysis.face(shown).has_value();
+    if (front && !face)
+        troubles << QStringLiteral("no face is found on the card's front");
+    if (!front && face)
+        troubles << QStringLiteral("a face is seen, which the card's back must not show");
+    return troubles.isEmpty() ? QStringLiteral("all that is needed is seen at this moment, but not steadily")
+                              : troubles.join(QStringLiteral(", and "));
+}
+
+} // namespace
+
+QString whatIsMissing(Subject subject, const QImage& frame, const QSizeF& view, const PictureAnalysis& analysis)
+{
+    const char* name = subject == Subject::CardFront ? "the card's front"
+        : subject == Subject::CardBack               ? "the card's back"
+                                                     : "the selfie";
+    const auto sentence = [name](const QString& reason) {
+        return QStringLiteral("Still waiting for %1: %2.").arg(QLatin1String(name), reason);
+    };
+    if (frame.isNull())
+        return sentence(QStringLiteral("the camera has not delivered a picture"));
+    const ScanAreas areas = ScanAreas::of(view, frame.size());
+    const QRectF area = subject == Subject::Selfie ? areas.oval : areas.card;
+    const QImage shown = frame.copy(area.toAlignedRect().intersected(frame.rect()));
+    if (subject != Subject::Selfie)
+        return sentence(cardTrouble(subject == Subject::CardFront, shown, analysis));
+    return sentence(analysis.face(shown) ? QStringLiteral("a face is seen at this moment, but not steadily")
+                                         : QStringLiteral("no face is found in the oval"));
+}
+
+} // namespace kelvara::demo

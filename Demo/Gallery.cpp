@@ -1,0 +1,70 @@
+#include "Demo/Gallery.h"
+
+#include "Demo/DemoHost.h"
+#include "Platform/Capture/ReplayCamera.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+namespace kelvara::demo {
+
+namespace {
+
+constexpr int kSettleMilliseconds = 250;
+
+struct Situation
+{
+    const char* name;
+    bool backCamera;
+    bool frontCamera;
+    bool forceNfc;
+    QList<ViewType> steps;
+};
+
+std::shared_ptr<AVCaptureDevice> camera(bool present, AVCaptureDevicePosition position)
+{
+    if (!present)
+        return nullptr;
+    QImage dark(QSize(270, 480), QImage::Format_ARGB32_Premultiplied);
+    dark.fill(Qt::darkGray);
+    ReplayCameraOptions options;
+    options.position = position;
+    return std::make_shared<ReplayCamera>(ReplaySource::still(dark), options);
+}
+
+QImage take(const Situation& situation, const QSize& size)
+{
+    PlatformServices services;
+    services.cameras
+        = std::make_shared<ReplayCameraProvider>(camera(situation.backCamera, AVCaptureDevicePosition::Back),
+            camera(situation.frontCamera, AVCaptureDevicePosition::Front));
+    DemoHost host(size, services);
+    host.setAttribute(Qt::WA_DontShowOnScreen);
+    host.view().setForceNfc(situation.forceNfc);
+    host.view().setViewTypes(situation.steps);
+    host.show();
+    QEventLoop loop;
+    QTimer::singleShot(kSettleMilliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+    return host.screen();
+}
+
+} // namespace
+
+QList<GalleryScreen> takeGallery(const QSize& size)
+{
+    const Situation situations[] {
+        { "no-back-camera", false, true, false, { ViewType::idPhoto, ViewType::selfie } },
+        { "no-front-camera", true, false, false, { ViewType::selfie } },
+        { "nfc-required", true, true, true, { ViewType::idPhoto } },
+        { "no-steps", true, true, false, {} },
+        { "nfc-step-without-nfc", true, true, false, { ViewType::nfcRead } },
+        { "waiting-for-the-call", true, true, false, { ViewType::jitsi } },
+    };
+    QList<GalleryScreen> screens;
+    for (const Situation& situation : situations)
+        screens.append({ QLatin1String(situation.name), take(situation, size) });
+    return screens;
+}
+
+} // namespace kelvara::demo

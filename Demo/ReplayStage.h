@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Demo/CardMovie.h"
+#include "Demo/DemoOptions.h"
+#include "Demo/PictureAnalysis.h"
+#include "Demo/PictureSource.h"
+#include "Demo/ScanAreas.h"
+#include "Demo/Stage.h"
+#include "Platform/Capture/ReplayCamera.h"
+
+#include <array>
+#include <memory>
+#include <optional>
+
+namespace kelvara::demo {
+
+/// Two replay cameras and what is held before them: specimens, or the pictures that the options name.
+class ReplayStage final : public Stage
+{
+public:
+    ReplayStage(const DemoOptions& options, ScanAreas areas, PictureAnalysis analysis);
+
+    /// Reads the given pictures and takes the specimens'. One sentence if that cannot be done.
+    [[nodiscard]] std::optional<QString> open();
+
+    [[nodiscard]] std::shared_ptr<AVCaptureDevice> backCamera() const { return m_back; }
+    [[nodiscard]] std::shared_ptr<AVCaptureDevice> frontCamera() const { return m_front; }
+
+    void present(Subject subject) override;
+    [[nodiscard]] bool settled() const override;
+
+private:
+    [[nodiscard]] std::optional<QString> openPicture(Subject subject, const QString& path);
+
+    const DemoOptions m_options;
+    const ScanAreas m_areas;
+    const PictureAnalysis m_analysis;
+    std::array<std::shared_ptr<PictureSource>, 3> m_sources;
+    std::array<std::shared_ptr<const MovieClip>, 3> m_clips;
+    std::shared_ptr<CardMovie> m_tableMovie;
+    std::shared_ptr<CardMovie> m_roomMovie;
+    std::shared_ptr<AVCaptureDevice> m_back;
+    std::shared_ptr<AVCaptureDevice> m_front;
+};
+
+} // namespace kelvara::demo

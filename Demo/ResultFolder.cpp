@@ -1,0 +1,116 @@
+#include "Demo/ResultFolder.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace kelvara::demo {
+
+namespace {
+
+constexpr auto kResult = "result.json";
+
+/// Every pixel, transparency included.
+bool samePixels(const QImage& one, const QImage& other)
+{
+    return !one.isNull() && one.size() == other.size()
+        && one.convertToFormat(QImage::Format_ARGB32) == other.convertToFormat(QImage::Format_ARGB32);
+}
+
+/// "didCaptureIdFrontPhoto", "cropImage" → "id-front-crop".
+QString fileNameOf(const Delivery& delivery, const DeliveredPicture& picture)
+{
+    QString name = delivery.method;
+    name.remove(QStringLiteral("didCapture")).remove(QStringLiteral("Photo"));
+    name.replace(QRegularExpression(QStringLiteral("(?<=[a-z])(?=[A-Z])")), QStringLiteral("-"));
+    return name.toLower() + (picture.argument == QStringLiteral("cropImage") ? QStringLiteral("-crop") : QString());
+}
+
+} // namespace
+
+ResultFolder::ResultFolder(const QString& path) : m_folder(path) { }
+
+std::optional<QString> ResultFolder::prepare()
+{
+    const auto complaint = [this](const char* what) {
+        return QStringLiteral("The out folder \"%1\" %2.").arg(m_folder.path(), QLatin1String(what));
+    };
+    if (!m_folder.mkpath(QStringLiteral(".")))
+        return complaint("cannot be made");
+    static const QRegularExpression ours(
+        QStringLiteral("^(result\\.json|(screen|gallery|picture)-\\d\\d-[a-z-]+\\.png)$"));
+    for (const QString& name : m_folder.entryList(QDir::Files)) {
+        if (ours.match(name).hasMatch() && !m_folder.remove(name))
+            return complaint("holds files of an earlier run that cannot be removed");
+    }
+    writeFile(QLatin1String(kResult), "{}\n"); // what cannot be written is better known before the run than after it
+    return m_problem.isEmpty() ? std::nullopt : std::optional(m_problem);
+}
+
+QString ResultFolder::nextName(const QString& kind, const QString& name)
+{
+    return QStringLiteral("%1-%2-%3.png").arg(kind).arg(++m_count[kind], 2, 10, QLatin1Char('0')).arg(name);
+}
+
+void ResultFolder::writeFile(const QString& name, const QByteArray& bytes)
+{
+    QFile file(m_folder.filePath(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
+        m_problem = QStringLiteral("\"%1\" cannot be written: %2.").arg(file.fileName(), file.errorString());
+}
+
+QString ResultFolder::write(const QString& kind, const QString& name, const QImage& image)
+{
+    const QString file = nextName(kind, name);
+    writeFile(file, UIImagePNGRepresentation(UIImage(image)).value_or(QByteArray()));
+    return file;
+}
+
+QJsonObject ResultFolder::writePicture(const Delivery& delivery, const DeliveredPicture& picture)
+{
+    const auto decoded
+        = QByteArray::fromBase64Encoding(picture.base64.toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
+    const QByteArray& png = decoded.decoded;
+    const QImage given = picture.image;
+    const QString file = nextName(QStringLiteral("picture"), fileNameOf(delivery, picture));
+    writeFile(file, png);
+    return { { QStringLiteral("argument"), picture.argument }, { QStringLiteral("file"), file },
+        { QStringLiteral("width"), given.width() }, { QStringLiteral("height"), given.height() },
+        { QStringLiteral("base64Characters"), picture.base64.size() }, { QStringLiteral("pngBytes"), png.size() },
+        { QStringLiteral("isBase64"), decoded.decodingStatus == QByteArray::Base64DecodingStatus::Ok },
+        { QStringLiteral("isPng"), png.startsWith(QByteArray("\x89PNG\r\n\x1a\n", 8)) },
+        { QStringLiteral("isTheSamePicture"), samePixels(QImage::fromData(png, "PNG"), given) } };
+}
+
+QJsonArray ResultFolder::write(const QList<Delivery>& deliveries)
+{
+    QJsonArray all;
+    for (const Delivery& delivery : deliveries) {
+        QJsonArray pictures;
+        for (const DeliveredPicture& picture : delivery.pictures)
+            pictures.append(writePicture(delivery, picture));
+        all.append(QJsonObject { { QStringLiteral("method"), delivery.method },
+            { QStringLiteral("atMilliseconds"), delivery.atMilliseconds }, { QStringLiteral("pictures"), pictures } });
+    }
+    return all;
+}
+
+void ResultFolder::writeResult(const QJsonObject& result)
+{
+    writeFile(QLatin1String(kResult), QJsonDocument(result).toJson());
+}
+
+bool allSound(const QJsonArray& deliveries)
+{
+    return std::all_of(deliveries.begin(), deliveries.end(), [](const QJsonValue& delivery) {
+        const QJsonArray pictures = delivery[QStringLiteral("pictures")].toArray();
+        return std::all_of(pictures.begin(), pictures.end(), [](const QJsonValue& picture) {
+            return picture[QStringLiteral("isBase64")].toBool() && picture[QStringLiteral("isPng")].toBool()
+                && picture[QStringLiteral("isTheSamePicture")].toBool();
+        });
+    });
+}
+
+} // namespace kelvara::demo

@@ -1,0 +1,49 @@
+#include "Demo/ScreenReader.h"
+
+#include <QAbstractButton>
+#include <QLabel>
+
+#include <algorithm>
+
+namespace kelvara::demo {
+
+ScreenReader::ScreenReader(QWidget& view) : m_view(&view) { }
+
+QAbstractButton* ScreenReader::shutter() const
+{
+    if (!m_view)
+        return nullptr;
+    const auto buttons = m_view->findChildren<QAbstractButton*>();
+    const auto shutter = std::find_if(buttons.begin(), buttons.end(), [](const QAbstractButton* button) {
+        return button->isVisible() && button->accessibleName() == QString::fromUtf8("Fotoğraf çek");
+    });
+    return shutter == buttons.end() ? nullptr : *shutter;
+}
+
+bool ScreenReader::isReady() const
+{
+    const QAbstractButton* button = shutter();
+    return button && button->isEnabled();
+}
+
+bool ScreenReader::asksToTurn() const
+{
+    if (!m_view)
+        return false;
+    const auto children = m_view->findChildren<QWidget*>();
+    return std::any_of(children.begin(), children.end(), [](const QWidget* child) {
+        return child->isVisible() && child->inherits("kelvara::FlipImageView")
+            && child->property("alpha").toDouble() > 0;
+    });
+}
+
+bool ScreenReader::shows(const QString& text) const
+{
+    if (!m_view)
+        return false;
+    const auto labels = m_view->findChildren<QLabel*>();
+    return std::any_of(labels.begin(), labels.end(),
+        [&text](const QLabel* label) { return label->isVisible() && label->text() == text; });
+}
+
+} // namespace kelvara::demo

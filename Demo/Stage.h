@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Demo/Subject.h"
+
+namespace kelvara::demo {
+
+/// Where things are held before the cameras. Main thread.
+class Stage
+{
+public:
+    virtual ~Stage() = default;
+    virtual void present(Subject subject) = 0;
+    /// Whether what was presented last has come to rest.
+    [[nodiscard]] virtual bool settled() const = 0;
+};
+
+/// The real world: a person of flesh and blood is asked.
+class RealStage final : public Stage
+{
+public:
+    void present(Subject) override { }
+    [[nodiscard]] bool settled() const override { return true; }
+};
+
+} // namespace kelvara::demo

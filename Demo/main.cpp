@@ -1,0 +1,54 @@
+#include "Demo/DemoRun.h"
+
+#include <QApplication>
+
+#include <cstdio>
+
+namespace {
+
+/// Without a display everything happens in memory, at two pixels a point.
+bool choosePlatform()
+{
+    const bool hasDisplay = !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (!hasDisplay && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const bool offscreen = qgetenv("QT_QPA_PLATFORM").startsWith("offscreen");
+    if (offscreen && qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR"))
+        qputenv("QT_SCALE_FACTOR", "2");
+    return !offscreen;
+}
+
+QtMessageHandler usual = nullptr;
+
+/// The offscreen platform cannot pass size hints on and says so for every window; nothing is amiss.
+void quieten(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (message != QLatin1String("This plugin does not support propagateSizeHints()"))
+        usual(type, context, message);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    using namespace kelvara::demo;
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const DemoOptions options = DemoOptions::parse(arguments);
+    if (!options.problem.isEmpty()) {
+        std::fprintf(stderr, "%s\n\n%s", qUtf8Printable(options.problem), qUtf8Printable(DemoOptions::usage()));
+        return BadInput;
+    }
+    if (options.help) {
+        std::fputs(qUtf8Printable(DemoOptions::usage()), stdout);
+        return Completed;
+    }
+
+    const bool hasDisplay = choosePlatform();
+    int noArguments = 1; // the demo's options are not Qt's
+    QApplication application(noArguments, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Kelvara demo"));
+    usual = qInstallMessageHandler(quieten);
+    return DemoRun(options, hasDisplay).exec();
+}
