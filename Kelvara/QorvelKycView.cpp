@@ -71,6 +71,7 @@ void QorvelKycViewPrivate::setViewStyle()
 
 void QorvelKycViewPrivate::initiateScreen()
 {
+    watchOverlays();
     // Queued, so that a host that creates the view and sets its steps in one turn has them before the first screen.
     onMain([this] {
         initiateStatement();

@@ -182,6 +182,13 @@ void QorvelKycViewPrivate::add_removeFlipImageView(bool isAdd)
     addOrRemove(isAdd, { flipImageView });
 }
 
+void QorvelKycViewPrivate::watchOverlays()
+{
+    // A cut-out is known from the first drawing on and moves with every later one.
+    for (DimmingOverlay* overlay : { static_cast<DimmingOverlay*>(cutoutView), static_cast<DimmingOverlay*>(cutoutSelfieView) })
+        QObject::connect(overlay, &DimmingOverlay::drawn, q, [this] { publishGeometry(); });
+}
+
 void QorvelKycViewPrivate::addPreviewLayer()
 {
     isPreviewAdded = true;

@@ -93,6 +93,7 @@ public:
     void add_removeFlashButton(bool isAdd);
     void add_removeIdPhotoLabel(bool isAdd);
     void add_removeFlipImageView(bool isAdd);
+    void watchOverlays();
     void addPreviewLayer();
     void removePreviewLayer();
     void layoutScreen();

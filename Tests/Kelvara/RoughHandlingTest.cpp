@@ -170,13 +170,15 @@ INSTANTIATE_TEST_SUITE_P(All, OddSizes,
 TEST(RoughHandling, TheFrameSizeMayChangeInMidStream)
 {
     Device device = Device::phone();
+    ReplayCameraOptions fast;
+    fast.framesPerSecond = 100;
     device.back = std::make_shared<ReplayCamera>(
         ReplaySource::generator([](std::int64_t index, std::chrono::microseconds) {
             QImage image(index % 2 ? QSize(270, 480) : QSize(135, 241), QImage::Format_ARGB32_Premultiplied);
             image.fill(Qt::gray);
             return image;
         }),
-        ReplayCameraOptions { .framesPerSecond = 100 });
+        fast);
     Stage stage(device);
     stage.show(true, true);
     stage.setSteps({ idPhoto });

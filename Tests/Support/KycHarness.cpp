@@ -1,5 +1,7 @@
 #include "Tests/Support/KycHarness.h"
 
+#include "Platform/Vision/VisionImage.h"
+
 #include <QThread>
 
 namespace kelvara::test {
