@@ -57,7 +57,7 @@ struct ReplayCameraOptions
     AVCaptureDevicePosition position = AVCaptureDevicePosition::Back;
     /// Size of the delivered pictures; a source of another size is scaled to fill it and cut about its centre. Empty:
     /// the size of the source's own pictures.
-    QSize size;
+    QSize size {};
     /// How many pictures are delivered in a second, whatever a video file says of itself; when making one takes too
     /// long, moments are left out. 0 or less: as fast as they can be made.
     double framesPerSecond = 30.0;

@@ -84,29 +84,41 @@ struct StillSource final : ReplaySource::Data
 class Album
 {
 public:
-    explicit Album(QStringList paths) : m_paths(std::move(paths)), m_kept(static_cast<std::size_t>(m_paths.size())) { }
+    explicit Album(const QStringList& paths)
+    {
+        for (const QString& path : paths)
+            m_pages.push_back({ path, {}, false });
+    }
 
-    [[nodiscard]] std::size_t count() const { return m_kept.size(); }
+    [[nodiscard]] std::size_t count() const { return m_pages.size(); }
 
+    /// Null for a file that looked like a picture and is none after all.
     [[nodiscard]] QImage picture(std::size_t number)
     {
         const std::lock_guard lock(m_mutex);
-        if (!m_kept[number].isNull())
-            return m_kept[number];
+        Page& page = m_pages[number];
+        if (page.broken || !page.kept.isNull())
+            return page.kept;
         QString reason;
-        QImage image = readPicture(m_paths[static_cast<qsizetype>(number)], reason);
+        QImage image = readPicture(page.path, reason);
+        page.broken = image.isNull();
         const auto bytes = static_cast<std::size_t>(image.sizeInBytes());
         if (m_keptBytes + bytes <= kKeptBytes) {
             m_keptBytes += bytes;
-            m_kept[number] = image;
+            page.kept = image;
         }
         return image;
     }
 
 private:
+    struct Page
+    {
+        QString path;
+        QImage kept;
+        bool broken;
+    };
     std::mutex m_mutex;
-    const QStringList m_paths;
-    std::vector<QImage> m_kept;
+    std::vector<Page> m_pages;
     std::size_t m_keptBytes = 0;
 };
 
@@ -118,7 +130,6 @@ struct FolderSource final : ReplaySource::Data
 
         QImage next(std::int64_t, std::chrono::microseconds) override
         {
-            // A file that began like a picture and is none after all is passed over.
             while (position < album->count())
                 if (QImage image = album->picture(position++); !image.isNull())
                     return image;

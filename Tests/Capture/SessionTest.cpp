@@ -1,21 +1,31 @@
 #include "Tests/Capture/CaptureRig.h"
+#include "Tests/Capture/HandCamera.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <set>
 
 namespace kelvara::test {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 const QSize kSize(64, 48);
+
+std::shared_ptr<ReplayCamera> frontCamera()
+{
+    return stillCamera(quarters(kSize), { .position = AVCaptureDevicePosition::Front });
+}
 
 TEST(Session, DeliversOffTheMainThreadAndToThePreview)
 {
     Rig rig(stillCamera(quarters(kSize)));
-    bool onQueue = false;
+    std::atomic<bool> onQueue { false };
     rig.delegate.onFrame = [&](const CMSampleBuffer&) { onQueue = rig.queue->isCurrent(); };
     rig.session->startRunning();
     ASSERT_TRUE(rig.delegate.waitForFrames(3));
@@ -25,6 +35,328 @@ TEST(Session, DeliversOffTheMainThreadAndToThePreview)
     EXPECT_TRUE(onQueue);
     EXPECT_EQ(quartersOf(rig.preview->image()), "RGBW");
     EXPECT_THAT(rig.told, ElementsAre(true, false));
+}
+
+TEST(Session, NeedsAnInputToRun)
+{
+    AVCaptureSession session;
+    session.startRunning();
+    EXPECT_FALSE(session.isRunning());
+    session.addInput(AVCaptureDeviceInput::make(stillCamera(quarters(kSize))));
+    EXPECT_FALSE(session.isRunning()) << "the earlier wish must not count";
+    session.startRunning();
+    EXPECT_TRUE(session.isRunning());
+}
+
+TEST(Session, AnswersForEachCameraByItself)
+{
+    const auto camera = stillCamera(quarters(kSize));
+    const auto back = AVCaptureDeviceInput::make(camera);
+    const auto front = AVCaptureDeviceInput::make(frontCamera());
+    AVCaptureSession session;
+    EXPECT_TRUE(session.canAddInput(back));
+    EXPECT_TRUE(session.canAddInput(front));
+    EXPECT_FALSE(session.canAddInput(nullptr));
+    camera->setInUseByAnotherApplication(true);
+    EXPECT_FALSE(session.canAddInput(back));
+    camera->setInUseByAnotherApplication(false);
+    camera->setConnected(false);
+    EXPECT_FALSE(session.canAddInput(back));
+    EXPECT_EQ(AVCaptureDeviceInput::make(camera), nullptr);
+    EXPECT_EQ(AVCaptureDeviceInput::make(nullptr), nullptr);
+    camera->setConnected(true);
+
+    session.addInput(back);
+    EXPECT_FALSE(session.canAddInput(back));
+    session.addInput(front); // one camera at a time
+    EXPECT_THAT(session.inputs(), ElementsAre(back));
+
+    const auto output = std::make_shared<AVCaptureVideoDataOutput>();
+    camera->setRefusesVideoDataOutput(true);
+    EXPECT_FALSE(session.canAddOutput(output));
+    camera->setRefusesVideoDataOutput(false);
+    EXPECT_EQ(output->firstConnection(), nullptr);
+    session.addOutput(output);
+    EXPECT_FALSE(session.canAddOutput(output));
+    EXPECT_NE(output->firstConnection(), nullptr);
+
+    AVCaptureSession other;
+    EXPECT_FALSE(other.canAddOutput(output)) << "it belongs to a session already";
+    EXPECT_TRUE(other.canSetSessionPreset(AVCaptureSessionPreset::Photo));
+    other.addInput(AVCaptureDeviceInput::make(std::make_shared<HandCamera>()));
+    EXPECT_FALSE(other.canSetSessionPreset(AVCaptureSessionPreset::Photo));
+}
+
+TEST(Session, SwitchesCamerasAtTheCommitWithoutFlapping)
+{
+    const auto back = stillCamera(quarters(kSize), { .sensorRotation = 90 });
+    const auto front = frontCamera();
+    Rig rig(back);
+    AVCaptureConnection* const connection = rig.output->firstConnection();
+    AVCaptureConnection* const shown = rig.preview->connection();
+    rig.session->startRunning();
+    ASSERT_TRUE(rig.delegate.waitForFrames(2));
+    EXPECT_TRUE(connection->isVideoOrientationSupported());
+    EXPECT_EQ(shown->videoOrientation(), AVCaptureVideoOrientation::Portrait);
+    EXPECT_FALSE(shown->isVideoMirrored());
+
+    rig.session->beginConfiguration();
+    rig.session->beginConfiguration();
+    rig.session->removeInput(rig.input);
+    rig.input = AVCaptureDeviceInput::make(front);
+    rig.session->addInput(rig.input);
+    rig.session->commitConfiguration();
+    ASSERT_TRUE(rig.delegate.waitForFrames(2)) << "the old camera serves until the outer commit";
+    EXPECT_EQ(front->deliveredFrames(), 0);
+    rig.session->commitConfiguration();
+    ASSERT_TRUE(rig.delegate.waitForFrames(2));
+    EXPECT_GT(front->deliveredFrames(), 0);
+    EXPECT_EQ(rig.output->firstConnection(), connection);
+    EXPECT_EQ(rig.preview->connection(), shown);
+    EXPECT_EQ(connection->videoOrientation(), AVCaptureVideoOrientation::LandscapeRight) << "upright devices say so";
+    EXPECT_TRUE(shown->isVideoMirrored());
+    rig.session->stopRunning();
+    EXPECT_THAT(rig.told, ElementsAre(true, false));
+}
+
+TEST(Session, LosesACameraAndTakesItBack)
+{
+    const auto camera = stillCamera(quarters(kSize));
+    Rig rig(camera);
+    AVCaptureConnection* const shown = rig.preview->connection();
+    rig.session->startRunning();
+    ASSERT_TRUE(rig.delegate.waitForFrames(1));
+    camera->setConnected(false);
+    EXPECT_FALSE(rig.session->isRunning());
+    EXPECT_EQ(rig.preview->connection(), shown);
+    camera->setConnected(true);
+    EXPECT_TRUE(rig.session->isRunning());
+    ASSERT_TRUE(rig.delegate.waitForFrames(1));
+
+    camera->setConnected(false);
+    rig.session->stopRunning();
+    camera->setConnected(true);
+    EXPECT_FALSE(rig.session->isRunning());
+    EXPECT_THAT(rig.told, ElementsAre(true, false, true, false));
+}
+
+TEST(Session, DoesNotRunWhenTheCameraRefusesToStart)
+{
+    const auto camera = stillCamera(quarters(kSize));
+    camera->setRefusesToStart(true);
+    Rig rig(camera);
+    rig.session->startRunning();
+    EXPECT_FALSE(rig.session->isRunning());
+    EXPECT_THAT(rig.told, IsEmpty());
+    rig.switchTo(frontCamera());
+    EXPECT_TRUE(rig.session->isRunning()) << "it is still wanted, and this camera works";
+    rig.switchTo(camera);
+    EXPECT_FALSE(rig.session->isRunning());
+    EXPECT_THAT(rig.told, ElementsAre(true, false));
+}
+
+TEST(Session, DropsWhatADeviceSendsAfterTheStop)
+{
+    const auto camera = std::make_shared<HandCamera>();
+    Rig rig(camera);
+    camera->send(quarters(kSize));
+    rig.session->startRunning();
+    // One frame waits in the queue when the session stops; the other comes after.
+    std::mutex gate;
+    gate.lock();
+    rig.queue->async([&] { const std::lock_guard wait(gate); });
+    camera->send(quarters(kSize));
+    rig.session->stopRunning();
+    const QImage shown = rig.preview->image();
+    camera->send(quarters({ 8, 8 }));
+    gate.unlock();
+    rig.queue->drain();
+    EXPECT_EQ(rig.delegate.count(), 0);
+    EXPECT_EQ(rig.preview->image().size(), shown.size());
+    EXPECT_EQ(camera->stops, 1);
+
+    // The camera's earlier run stays shut out of the next one.
+    rig.switchTo(std::make_shared<HandCamera>());
+    rig.session->startRunning();
+    camera->send(quarters(kSize));
+    rig.queue->drain();
+    EXPECT_EQ(rig.delegate.count(), 0);
+}
+
+TEST(Session, MayBeDeletedByWhoHearsOfIt)
+{
+    auto session = std::make_unique<AVCaptureSession>();
+    const auto camera = stillCamera(quarters(kSize));
+    session->addInput(AVCaptureDeviceInput::make(camera));
+    QObject::connect(session.get(), &AVCaptureSession::runningChanged, [&](bool running) {
+        if (!running)
+            session.reset();
+    });
+    session->startRunning();
+    camera->setConnected(false);
+    EXPECT_EQ(session, nullptr);
+}
+
+TEST(Session, GoesInAnyOrderWhileRunning)
+{
+    std::array<int, 4> order { 0, 1, 2, 3 };
+    do {
+        auto rig = std::make_unique<Rig>(std::make_shared<ReplayCamera>(
+            ReplaySource::still(quarters(kSize)), ReplayCameraOptions { .framesPerSecond = 0 }));
+        rig->session->startRunning();
+        ASSERT_TRUE(rig->delegate.waitForFrames(1));
+        for (const int part : order) {
+            switch (part) {
+            case 0:
+                rig->session.reset();
+                break;
+            case 1:
+                rig->preview.reset();
+                break;
+            case 2:
+                rig->output.reset();
+                break;
+            default:
+                rig->camera.reset();
+                rig->input.reset();
+                break;
+            }
+            QCoreApplication::processEvents();
+        }
+        // The delegate goes first of all when an output is still with the session.
+        rig->queue->drain();
+    } while (std::next_permutation(order.begin(), order.end()));
+}
+
+TEST(Output, DropsFramesWhileOneIsWithTheDelegate)
+{
+    const auto camera = std::make_shared<HandCamera>();
+    Rig rig(camera);
+    std::mutex gate;
+    gate.lock();
+    rig.delegate.onFrame = [&](const CMSampleBuffer&) { const std::lock_guard wait(gate); };
+    rig.session->startRunning();
+    for (int i = 0; i < 10; ++i)
+        camera->send(quarters(kSize));
+    gate.unlock();
+    rig.queue->drain();
+    EXPECT_EQ(rig.delegate.count(), 1);
+    camera->send(quarters(kSize));
+    rig.queue->drain();
+    EXPECT_EQ(rig.delegate.count(), 2);
+}
+
+TEST(Output, LosesItsDelegateInMidFlow)
+{
+    Rig rig(std::make_shared<ReplayCamera>(
+        ReplaySource::still(quarters(kSize)), ReplayCameraOptions { .framesPerSecond = 0 }));
+    rig.session->startRunning();
+    for (int i = 0; i < 30; ++i) {
+        auto queue = std::make_unique<SerialQueue>(QStringLiteral("passing"));
+        auto delegate = std::make_unique<Delegate>();
+        rig.output->setSampleBufferDelegate(delegate.get(), queue.get());
+        ASSERT_TRUE(delegate->waitForFrames(1));
+        rig.output->setSampleBufferDelegate(nullptr, nullptr);
+        queue->drain();
+        delegate.reset(); // a call that still came would be seen by the sanitizers
+        queue.reset();
+    }
+}
+
+TEST(Output, PassesOnADeliveryWithoutAPictureAndDropsADamagedOne)
+{
+    const auto camera = std::make_shared<HandCamera>();
+    Rig rig(camera);
+    rig.output->firstConnection()->setVideoMirrored(true);
+    rig.session->startRunning();
+    camera->send(CMSampleBuffer());
+    rig.queue->drain();
+    EXPECT_EQ(rig.delegate.count(), 1);
+    const auto bytes = std::make_shared<std::array<std::uint8_t, 64>>();
+    camera->send(CMSampleBuffer(CVPixelBuffer(nullptr, nullptr, 4, 4, 16)));
+    camera->send(CMSampleBuffer(CVPixelBuffer(bytes, bytes->data(), 4, 4, 15)));
+    camera->send(CMSampleBuffer(CVPixelBuffer(bytes, bytes->data(), 0, 4, 16)));
+    rig.queue->drain();
+    EXPECT_EQ(rig.delegate.count(), 1);
+    EXPECT_TRUE(rig.preview->image().isNull());
+}
+
+struct Turn
+{
+    int sensorRotation;
+    AVCaptureVideoOrientation orientation;
+    bool mirrored;
+    const char* quarters;
+    bool upended;
+};
+
+class Turning : public testing::TestWithParam<Turn>
+{ };
+
+TEST_P(Turning, FollowsTheConnection)
+{
+    const Turn& turn = GetParam();
+    const auto camera = std::make_shared<HandCamera>(
+        turn.mirrored ? AVCaptureDevicePosition::Front : AVCaptureDevicePosition::Back, turn.sensorRotation);
+    Rig rig(camera);
+    for (AVCaptureConnection* connection : { rig.output->firstConnection(), rig.preview->connection() }) {
+        connection->setVideoOrientation(turn.orientation);
+        connection->setVideoMirrored(turn.mirrored);
+    }
+    rig.session->startRunning();
+    const QImage sent = quarters({ 37, 22 });
+    camera->send(sent);
+    rig.queue->drain();
+    const CVPixelBuffer got = rig.delegate.newest();
+    EXPECT_EQ(quartersOf(imageOf(got)), turn.quarters);
+    EXPECT_EQ(got.size(), turn.upended ? QSize(22, 37) : QSize(37, 22));
+    EXPECT_EQ(qAlpha(imageOf(got).pixel(0, 0)), 255);
+    EXPECT_EQ(quartersOf(rig.preview->image()), turn.quarters);
+    EXPECT_EQ(rig.preview->image().constBits(), got.baseAddress()) << "the same work is done once";
+    const bool untouched = rig.output->firstConnection()->rotation() == 0 && !turn.mirrored;
+    EXPECT_EQ(got.baseAddress() == sent.constBits(), untouched) << "upright frames pass without a copy";
+}
+
+constexpr auto kPortrait = AVCaptureVideoOrientation::Portrait;
+
+INSTANTIATE_TEST_SUITE_P(Rows, Turning,
+    testing::Values(Turn { 0, kPortrait, false, "RGBW", false }, Turn { 0, kPortrait, true, "GRWB", false },
+        Turn { 90, kPortrait, false, "BRWG", true }, Turn { 90, kPortrait, true, "RBGW", true },
+        Turn { 180, kPortrait, false, "WBGR", false }, Turn { 180, kPortrait, true, "BWRG", false },
+        Turn { 270, kPortrait, false, "GWRB", true }, Turn { 270, kPortrait, true, "WGBR", true },
+        Turn { 90, AVCaptureVideoOrientation::LandscapeRight, false, "RGBW", false },
+        Turn { 90, AVCaptureVideoOrientation::LandscapeLeft, false, "WBGR", false },
+        Turn { 90, AVCaptureVideoOrientation::PortraitUpsideDown, false, "GWRB", true },
+        Turn { 0, AVCaptureVideoOrientation::LandscapeLeft, false, "RGBW", false }));
+
+TEST(Output, UsesItsMemoryAgainAndTakesSizesAsTheyCome)
+{
+    const auto camera = std::make_shared<HandCamera>();
+    Rig rig(camera);
+    rig.output->firstConnection()->setVideoMirrored(true);
+    std::set<const void*> places;
+    rig.delegate.onFrame = [&](const CMSampleBuffer& frame) { places.insert(frame.imageBuffer()->baseAddress()); };
+    rig.session->startRunning();
+    for (int i = 0; i < 1000; ++i) {
+        camera->send(quarters(kSize));
+        rig.queue->drain();
+    }
+    EXPECT_EQ(rig.delegate.count(), 1000);
+    EXPECT_LE(places.size(), 8U);
+    for (const QSize size : { QSize(1, 1), QSize(641, 479), QSize(3, 200), QSize(64, 48) }) {
+        camera->send(quarters(size));
+        rig.queue->drain();
+        EXPECT_EQ(rig.delegate.newest().size(), size);
+        EXPECT_EQ(rig.preview->image().size(), size);
+    }
+}
+
+TEST(VideoOrientation, FollowsTheInterface)
+{
+    EXPECT_EQ(videoOrientation(UIInterfaceOrientation::Unknown), kPortrait);
+    EXPECT_EQ(videoOrientation(static_cast<UIInterfaceOrientation>(9)), kPortrait);
+    for (const int raw : { 1, 2, 3, 4 })
+        EXPECT_EQ(static_cast<int>(videoOrientation(static_cast<UIInterfaceOrientation>(raw))), raw);
 }
 
 } // namespace
