@@ -277,4 +277,10 @@ void ControlButton::changeEvent(QEvent* event)
     }
 }
 
+void ControlButton::hideEvent(QHideEvent* event)
+{
+    setDown(false); // The touch under way is lost; it must not show when the button comes back.
+    QAbstractButton::hideEvent(event);
+}
+
 } // namespace kelvara

@@ -105,7 +105,7 @@ void DimmingOverlay::drawIfResized()
         draw(rect());
 }
 
-QImage DimmingOverlay::render(const QTransform& toPixels, const QRect& pixels) const
+QImage DimmingOverlay::composed(const QTransform& toPixels, const QRect& pixels) const
 {
     const QTransform toImage = toPixels * QTransform::fromTranslate(-pixels.left(), -pixels.top());
     QImage visible(pixels.size(), QImage::Format_ARGB32_Premultiplied);
@@ -140,7 +140,7 @@ void DimmingOverlay::paintEvent(QPaintEvent*)
         const double ratio = pixelsPerPoint(painter);
         const QRect pixels(0, 0, qCeil(width() * ratio), qCeil(height() * ratio));
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.drawImage(QRectF(rect()), render(QTransform::fromScale(ratio, ratio), pixels),
+        painter.drawImage(QRectF(rect()), composed(QTransform::fromScale(ratio, ratio), pixels),
             QRectF(0, 0, width() * ratio, height() * ratio));
         return;
     }
@@ -153,7 +153,7 @@ void DimmingOverlay::paintEvent(QPaintEvent*)
         const double reach = kBorderWidth / 2 + 1;
         const QRectF bordered = firstSublayer()->path().boundingRect().adjusted(-reach, -reach, reach, reach);
         m_frameRect = toPixels.mapRect(bordered).toAlignedRect() & bounds;
-        m_frame = render(toPixels, m_frameRect);
+        m_frame = composed(toPixels, m_frameRect);
         m_frameTransform = toPixels;
     }
     const QRect clear = insideAligned(toPixels.mapRect(m_clear)) & m_frameRect;

@@ -57,7 +57,7 @@ private:
     void drawIfResized();
     void forgetFrame();
     /// The given device pixels as they are to be composited: dim and border, seen through the mask.
-    [[nodiscard]] QImage render(const QTransform& toPixels, const QRect& pixels) const;
+    [[nodiscard]] QImage composed(const QTransform& toPixels, const QRect& pixels) const;
 
     std::unique_ptr<ShapeLayer> m_mask;
     std::vector<std::unique_ptr<ShapeLayer>> m_sublayers;

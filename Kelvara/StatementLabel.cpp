@@ -15,7 +15,7 @@ namespace kelvara {
 namespace {
 
 constexpr int kUnlimitedWidth = QWIDGETSIZE_MAX;
-constexpr int kSeamAlpha = 225;
+constexpr int kSeamAlpha = 200;
 
 /// How far the seam reaches, in points.
 double seamRadius(const QFont& font)
@@ -102,7 +102,7 @@ void StatementLabel::shape(const QString& text, const QFont& font)
 void StatementLabel::setNumberOfLines(int lines)
 {
     m_numberOfLines = std::max(0, lines);
-    m_rendered = QImage();
+    m_painted = QImage();
     setWordWrap(m_numberOfLines != 1); // Tells layouts that the height depends on the width.
     updateGeometry();
     update();
@@ -134,7 +134,7 @@ int StatementLabel::heightForWidth(int width) const
     return static_cast<int>(std::ceil(setting.size().height())) + margins;
 }
 
-QImage StatementLabel::render(double devicePixelRatio) const
+QImage StatementLabel::renderedText(double devicePixelRatio) const
 {
     QImage letters((QSizeF(size()) * devicePixelRatio).toSize(), QImage::Format_ARGB32_Premultiplied);
     letters.setDevicePixelRatio(devicePixelRatio);
@@ -165,19 +165,19 @@ void StatementLabel::paintEvent(QPaintEvent*)
     QPainter painter(this);
     // The label lies over the camera preview and is painted with every frame: set the text only when something changed.
     const double ratio = pixelsPerPoint(painter);
-    if (m_rendered.size() != (QSizeF(size()) * ratio).toSize() || m_rendered.devicePixelRatio() != ratio
-        || m_renderedText != text() || m_renderedAlignment != alignment()) {
-        m_rendered = render(ratio);
-        m_renderedText = text();
-        m_renderedAlignment = alignment();
+    if (m_painted.size() != (QSizeF(size()) * ratio).toSize() || m_painted.devicePixelRatio() != ratio
+        || m_paintedText != text() || m_paintedAlignment != alignment()) {
+        m_painted = renderedText(ratio);
+        m_paintedText = text();
+        m_paintedAlignment = alignment();
     }
     painter.setOpacity(isEnabled() ? 1.0 : 0.5);
-    painter.drawImage(0, 0, m_rendered);
+    painter.drawImage(0, 0, m_painted);
 }
 
 void StatementLabel::changeEvent(QEvent* event)
 {
-    m_rendered = QImage();
+    m_painted = QImage();
     QLabel::changeEvent(event);
 }
 

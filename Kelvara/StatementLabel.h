@@ -34,14 +34,14 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    [[nodiscard]] QImage render(double devicePixelRatio) const;
+    [[nodiscard]] QImage renderedText(double devicePixelRatio) const;
 
     int m_numberOfLines = 1;
 
     // As last painted, and what it was painted from.
-    QImage m_rendered;
-    QString m_renderedText;
-    Qt::Alignment m_renderedAlignment;
+    QImage m_painted;
+    QString m_paintedText;
+    Qt::Alignment m_paintedAlignment;
 };
 
 } // namespace kelvara

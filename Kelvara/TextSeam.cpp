@@ -10,11 +10,23 @@ namespace kelvara {
 
 namespace {
 
-/// Lifts the blurred edge, where half of the neighbourhood is letter at best, to almost opaque.
-constexpr double kGain = 3.4;
-constexpr int kPasses = 3;
+// The seam's profile, in shares of its radius: dark beside the letter, gone at twice the radius.
+constexpr double kWidening = 0.6;
+constexpr double kSoftness = 0.6;
+constexpr double kGain = 1.95;
 
-/// Running mean over `2 · reach + 1` values of a line; what lies outside counts as 0.
+/// The largest of `2 · reach + 1` values of a line around each place.
+void widenLine(const float* in, float* out, int count, int stride, int reach)
+{
+    for (int i = 0; i < count; ++i) {
+        float largest = 0;
+        for (int near = std::max(0, i - reach); near <= std::min(count - 1, i + reach); ++near)
+            largest = std::max(largest, in[near * stride]);
+        out[i * stride] = largest;
+    }
+}
+
+/// The mean of `2 · reach + 1` values of a line around each place; what lies outside counts as 0.
 void blurLine(const float* in, float* out, int count, int stride, int reach)
 {
     const float share = 1.0F / static_cast<float>(2 * reach + 1);
@@ -30,17 +42,17 @@ void blurLine(const float* in, float* out, int count, int stride, int reach)
     }
 }
 
-/// Close to a Gaussian blur: repeated running means, along the rows and along the columns.
-void blur(std::vector<float>& values, const QSize& size, int reach)
+using LineFilter = void (*)(const float*, float*, int, int, int);
+
+/// Filters the rows, then the columns.
+void filter(std::vector<float>& values, const QSize& size, int reach, LineFilter lineFilter)
 {
-    std::vector<float> passed(values.size());
-    for (int pass = 0; pass < kPasses; ++pass) {
-        for (int y = 0; y < size.height(); ++y)
-            blurLine(
-                &values[std::size_t(y) * size.width()], &passed[std::size_t(y) * size.width()], size.width(), 1, reach);
-        for (int x = 0; x < size.width(); ++x)
-            blurLine(&passed[x], &values[x], size.height(), size.width(), reach);
-    }
+    std::vector<float> rows(values.size());
+    const int width = size.width();
+    for (int y = 0; y < size.height(); ++y)
+        lineFilter(&values[std::size_t(y) * width], &rows[std::size_t(y) * width], width, 1, reach);
+    for (int x = 0; x < width; ++x)
+        lineFilter(&rows[x], &values[x], size.height(), width, reach);
 }
 
 } // namespace
@@ -61,7 +73,11 @@ QImage withSeam(const QImage& letters, double radius, const QColor& seam)
         std::transform(line, line + size.width(), &coverage[std::size_t(y) * size.width()],
             [](QRgb pixel) { return static_cast<float>(qAlpha(pixel)); });
     }
-    blur(coverage, size, std::max(1, static_cast<int>(std::lround(radius * 2 / kPasses))));
+    // Widened first, so that corners, dots and hairlines get as much of a seam as straight edges.
+    const auto pixels = [radius](double share) { return std::max(1, static_cast<int>(std::lround(radius * share))); };
+    filter(coverage, size, pixels(kWidening), widenLine);
+    filter(coverage, size, pixels(kSoftness), blurLine);
+    filter(coverage, size, pixels(kSoftness), blurLine);
 
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < size.height(); ++y) {
