@@ -19,7 +19,9 @@ namespace {
 
 /// The surface is drawn for a card that fills this much of the picture; nearer and farther ones enlarge and shrink it.
 constexpr double drawnForFill = 0.72;
-constexpr double margin = 1.45;
+/// Room for a card that lies aside, and for the corners of a turned picture, which reach by its longer side.
+constexpr double margin = 1.25;
+constexpr double marginForTurn = 0.2;
 
 /// The card's own mean colour (B, G, R), for surfaces that hide it.
 const cv::Scalar cardColour(222, 226, 218, 255);
@@ -118,7 +120,8 @@ Backdrop makeBackdrop(const SceneOptions& options)
     Backdrop backdrop { {}, drawnForFill * std::max(1, options.size.width()) / cardWidth };
     const double mm = backdrop.pixelsPerMm;
     // Detail below one pixel makes no difference; tiny pictures must not ask for it.
-    const QSize size(cvCeil(options.size.width() * margin), cvCeil(options.size.height() * margin));
+    const double turn = marginForTurn * std::max(options.size.width(), options.size.height());
+    const QSize size(cvCeil(options.size.width() * margin + turn), cvCeil(options.size.height() * margin + turn));
     backdrop.image = QImage(size.expandedTo({ 8, 8 }), QImage::Format_ARGB32_Premultiplied);
     cv::Mat picture = pixelsOf(backdrop.image);
     switch (options.background) {

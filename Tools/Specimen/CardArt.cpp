@@ -131,22 +131,24 @@ void drawBarCode(QPainter& painter, const QString& text, const QRectF& area)
 
 void drawFlag(QPainter& painter, const QRectF& area)
 {
+    // Drawn 100 units high: curves are flattened before they are scaled.
+    constexpr double height = 100;
     painter.save();
     painter.translate(area.topLeft());
-    painter.scale(area.height(), area.height());
+    painter.scale(area.height() / height, area.height() / height);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(214, 30, 42));
-    painter.drawRoundedRect(QRectF(0, 0, area.width() / area.height(), 1), 0.06, 0.06);
+    painter.setBrush(QColor(206, 34, 46));
+    painter.drawRoundedRect(QRectF(0, 0, height * area.width() / area.height(), height), 6, 6);
     painter.setBrush(Qt::white);
     QPainterPath outer;
-    outer.addEllipse(QPointF(0.5, 0.5), 0.25, 0.25);
+    outer.addEllipse(QPointF(50, 50), 25, 25);
     QPainterPath inner;
-    inner.addEllipse(QPointF(0.5625, 0.5), 0.2, 0.2);
+    inner.addEllipse(QPointF(56.25, 50), 20, 20);
     painter.drawPath(outer.subtracted(inner));
     QPolygonF star;
     for (int i = 0; i < 5; ++i) {
         const double angle = std::numbers::pi + turn * i * 2 / 5;
-        star << QPointF(0.82 + 0.125 * std::cos(angle), 0.5 + 0.125 * std::sin(angle));
+        star << QPointF(82, 50) + 12.5 * QPointF(std::cos(angle), std::sin(angle));
     }
     painter.drawPolygon(star, Qt::WindingFill);
     painter.restore();

@@ -7,6 +7,7 @@
 #include "Tools/Specimen/Sensor.h"
 #include "Tools/Specimen/SharedCache.h"
 
+#include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -36,10 +37,11 @@ QImage withEdges(const QImage& print)
     painter.setCompositionMode(QPainter::CompositionMode_SourceAtop);
     QPainterPath edge;
     edge.addRoundedRect(QRectF(0.11, 0.11, cardWidth - 0.22, cardHeight - 0.22), cardRadius - 0.11, cardRadius - 0.11);
-    painter.setClipRect(QRectF(0, 0, cardWidth, cardHeight / 2));
-    painter.strokePath(edge, QPen(QColor(255, 255, 255, 150), 0.3));
-    painter.setClipRect(QRectF(0, cardHeight / 2, cardWidth, cardHeight / 2));
-    painter.strokePath(edge, QPen(QColor(70, 74, 80, 110), 0.3));
+    QLinearGradient light(0, 0, cardWidth * 0.4, cardHeight);
+    light.setColorAt(0, QColor(255, 255, 255, 165));
+    light.setColorAt(0.5, QColor(180, 184, 190, 60));
+    light.setColorAt(1, QColor(64, 68, 74, 120));
+    painter.strokePath(edge, QPen(light, 0.3));
     return card;
 }
 
@@ -55,11 +57,6 @@ std::shared_ptr<const QImage> printedCard(const SpecimenData& data, bool front, 
         const QImage print = front ? printFront(data, width) : printBack(data, width);
         return print.isNull() ? QImage() : withEdges(print);
     });
-}
-
-cv::Matx33d matrixOf(const QTransform& t)
-{
-    return { t.m11(), t.m21(), t.m31(), t.m12(), t.m22(), t.m32(), t.m13(), t.m23(), t.m33() };
 }
 
 /// Soft shade that the card's thickness throws, away from the light.
@@ -152,9 +149,7 @@ bool layCard(QImage& picture, const SpecimenData& data, const SceneOptions& opti
     if (options.glare > 0)
         reflectLight(layer, area.topLeft(), options, pose);
     QPainter painter(&picture);
-    painter.drawImage(area.topLeft(),
-        QImage(layer.data, layer.cols, layer.rows, static_cast<qsizetype>(layer.step),
-            QImage::Format_ARGB32_Premultiplied));
+    painter.drawImage(area.topLeft(), viewOf(layer));
     return true;
 }
 

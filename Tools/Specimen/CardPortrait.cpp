@@ -6,6 +6,8 @@
 #include <QLinearGradient>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace kelvara::specimen {
 
 namespace {
@@ -16,6 +18,21 @@ QRectF crop(const Person& person, const QRectF& area)
     const double width = person.face.width() / 0.59;
     const double height = width * area.height() / area.width();
     return { person.face.center().x() - width / 2, person.face.center().y() - height * 0.51, width, height };
+}
+
+/// Draws `part` of `image` into `area`, averaging first when the print is much smaller than the picture.
+void drawReduced(QPainter& painter, const QRectF& area, const QImage& image, const QRectF& part)
+{
+    const int shrink = static_cast<int>(part.width() / std::max(1.0, area.width() * painter.transform().m11()));
+    if (shrink < 2) {
+        painter.drawImage(area, image, part);
+        return;
+    }
+    const QImage small = image.scaled(
+        image.width() / shrink, image.height() / shrink, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const double x = static_cast<double>(small.width()) / image.width();
+    const double y = static_cast<double>(small.height()) / image.height();
+    painter.drawImage(area, small, { part.x() * x, part.y() * y, part.width() * x, part.height() * y });
 }
 
 } // namespace
@@ -32,7 +49,13 @@ void drawPortrait(QPainter& painter, std::uint32_t seed, const QRectF& area)
     painter.save();
     painter.setClipRect(area);
     painter.fillRect(area, wall);
-    painter.drawImage(area, person->image, crop(*person, area));
+    drawReduced(painter, area, person->image, crop(*person, area));
+    if (dice.chance(0.35)) {
+        // A line screen, as some printers leave it.
+        painter.setPen(QPen(QColor(255, 255, 255, 34), 0.09));
+        for (double y = area.top(); y < area.bottom(); y += 0.2)
+            painter.drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
+    }
     painter.restore();
 }
 
@@ -53,7 +76,7 @@ void drawGhostPortrait(QPainter& painter, std::uint32_t seed, const QRectF& area
     }
     painter.save();
     painter.setOpacity(0.42);
-    painter.drawImage(area, tinted);
+    drawReduced(painter, area, tinted, tinted.rect());
     painter.setOpacity(0.25);
     painter.setPen(QPen(Qt::white, 0.1));
     for (double y = area.top(); y < area.bottom(); y += 0.4)

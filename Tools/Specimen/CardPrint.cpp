@@ -1,6 +1,7 @@
 #include "Tools/Specimen/CardArt.h"
 #include "Tools/Specimen/CardPortrait.h"
 #include "Tools/Specimen/Dice.h"
+#include "Tools/Specimen/SharedCache.h"
 #include "Tools/Specimen/Specimen.h"
 #include "Tools/Specimen/SpecimenFonts.h"
 
@@ -10,6 +11,8 @@
 #include <QPainterPath>
 
 #include <algorithm>
+#include <cmath>
+#include <tuple>
 
 namespace kelvara::specimen {
 
@@ -59,6 +62,25 @@ public:
         painter.setPen(QPen(QColor(200, 30, 50, 90), 0.16));
         painter.setBrush(QColor(200, 30, 50, 44));
         painter.drawPath(word);
+        painter.restore();
+    }
+
+    /// The security background: the same on every card, and the costliest part of one, so the last few are kept.
+    void background(bool front)
+    {
+        using Key = std::tuple<bool, int>;
+        static SharedCache<Key, QImage> cache(6);
+        const auto drawn = cache.get(Key(front, image.width()), [&] {
+            QImage blank(image.size(), QImage::Format_ARGB32_Premultiplied);
+            QPainter pen(&blank);
+            pen.setRenderHint(QPainter::Antialiasing);
+            pen.setTransform(painter.transform());
+            drawSecurityBackground(pen, front);
+            return blank;
+        });
+        painter.save();
+        painter.resetTransform();
+        painter.drawImage(0, 0, *drawn);
         painter.restore();
     }
 
@@ -122,7 +144,7 @@ QImage printFront(const SpecimenData& data, int width)
     if (!fonts)
         return {};
     Press press(width, *fonts);
-    drawSecurityBackground(press.painter, true);
+    press.background(true);
     drawFlag(press.painter, { 3.6, 3.4, 7.2, 4.8 });
     press.text(
         Face::SansBold, { 13.2, 5.7 }, 2.05, QColor(150, 24, 38), QStringLiteral("TÜRKİYE CUMHURİYETİ KİMLİK KARTI"));
@@ -132,7 +154,7 @@ QImage printFront(const SpecimenData& data, int width)
     press.text(Face::SansBold, { 3.6, 14.5 }, 1.95, ink, data.identityNumber);
 
     drawPortrait(press.painter, data.seed, portraitArea);
-    press.specimenMark({ 56, 30 }, 8.2, -24);
+    press.specimenMark({ 55.5, 31 }, 7.0, -21);
     press.field({ 31, 12.6 }, QStringLiteral("Soyadı / Surname"), data.surname);
     press.field({ 31, 19.0 }, QStringLiteral("Adı / Given Name(s)"), data.givenNames);
     press.field({ 31, 25.4 }, QStringLiteral("Doğum Tarihi / Date of Birth"), date(data.birthDate));
@@ -154,7 +176,7 @@ QImage printBack(const SpecimenData& data, int width)
     if (!fonts)
         return {};
     Press press(width, *fonts);
-    drawSecurityBackground(press.painter, false);
+    press.background(false);
     // The machine-readable zone stays clear of pattern and mark.
     press.painter.fillRect(QRectF(0, cardHeight - 21.0, cardWidth, 21.0), QColor(246, 246, 240, 150));
     press.specimenMark({ 33, 18 }, 7.2, -16);

@@ -13,11 +13,10 @@ namespace kelvara::specimen {
 
 namespace {
 
-void drawTextPage(QPainter& painter, QSizeF surface, Dice& dice)
+/// Lines of text in `area` (mm), capitals `cap` high, in paragraphs.
+void drawLines(QPainter& painter, const QRectF& area, double cap, Dice& dice)
 {
     const SpecimenFonts* fonts = SpecimenFonts::instance();
-    if (!fonts)
-        return;
     static const std::array<QString, 24> words { QStringLiteral("belge"), QStringLiteral("ve"),
         QStringLiteral("kimlik"), QStringLiteral("için"), QStringLiteral("başvuru"), QStringLiteral("the"),
         QStringLiteral("of"), QStringLiteral("tarihinde"), QStringLiteral("söz"), QStringLiteral("konusu"),
@@ -25,33 +24,49 @@ void drawTextPage(QPainter& painter, QSizeF surface, Dice& dice)
         QStringLiteral("değerlendirme"), QStringLiteral("uygun"), QStringLiteral("görülmesi"),
         QStringLiteral("halinde"), QStringLiteral("bir"), QStringLiteral("madde"), QStringLiteral("2027"),
         QStringLiteral("ödeme"), QStringLiteral("hükümleri"), QStringLiteral("applies") };
-    const double cap = dice.real(1.5, 2.5);
-    const double line = cap * dice.real(2.1, 2.6);
-    const double half = surface.width() / 2;
+    // In pixels from here on: text is drawn at its own size, which glyph caches make quick.
+    const double mm = std::hypot(painter.transform().m11(), painter.transform().m12());
+    const int size = static_cast<int>(std::lround(cap * mm / 0.73));
+    if (!fonts || size < 3)
+        return;
     painter.save();
-    painter.rotate(dice.real(-9, 9));
-    const QColor ink(40, 40, 46, 225);
-    int left = 0;
-    for (double y = -surface.height() * 0.62; y < surface.height() * 0.62; y += line) {
+    painter.scale(1 / mm, 1 / mm);
+    painter.setPen(QColor(40, 40, 46, 225));
+    const double line = cap * dice.real(2.1, 2.6);
+    int left = dice.integer(1, 5);
+    for (double y = area.top(); y < area.bottom(); y += line) {
         if (--left < 0) {
             left = dice.integer(4, 11);
             y += line * 0.7;
             continue;
         }
         QString text;
-        while (text.size() * cap * 0.86 < (left == 0 ? dice.real(0.4, 1.6) * half : half * 1.9))
+        const double length = area.width() * (left == 0 ? dice.real(0.2, 0.8) : 0.95);
+        while (static_cast<double>(text.size()) * cap * 0.86 < length)
             text += dice.pick(std::span<const QString>(words)) + u' ';
-        const auto face = left == 10 ? SpecimenFonts::Face::SansBold : SpecimenFonts::Face::Sans;
-        painter.fillPath(fonts->outline(face, text, cap).translated(-half * 0.95, y), ink);
+        painter.setFont(fonts->font(left == 10 ? SpecimenFonts::Face::SansBold : SpecimenFonts::Face::Sans, size));
+        painter.drawText(QPointF(area.left(), y) * mm, text);
     }
+    painter.restore();
+}
+
+void drawTextPage(QPainter& painter, QSizeF surface, Dice& dice)
+{
+    painter.save();
+    painter.rotate(dice.real(-9, 9));
+    const double x = surface.width() / 2;
+    const double y = surface.height() * 0.62;
+    drawLines(painter, { -0.95 * x, -y, 2 * x, 2 * y }, dice.real(1.5, 2.5), dice);
     painter.restore();
 }
 
 void drawKeyboard(QPainter& painter, QSizeF surface, Dice& dice)
 {
+    const double pitch = 19.0;
+    if (std::hypot(painter.transform().m11(), painter.transform().m12()) * pitch < 2)
+        return; // a picture too small for keys to be seen could hold hundreds of thousands
     const SpecimenFonts* fonts = SpecimenFonts::instance();
     const bool light = dice.chance(0.4);
-    const double pitch = 19.0;
     static const QString letters = QStringLiteral("1234567890*-QWERTYUIOPĞÜASDFGHJKLŞİ,ZXCVBNMÖÇ.<>");
     painter.save();
     painter.rotate(dice.real(-14, 14));
@@ -168,14 +183,8 @@ void drawSheet(QPainter& painter, QSizeF view, Dice& dice)
     const int v = dice.integer(196, 244);
     painter.setBrush(QColor(v, v - dice.integer(0, 6), v - dice.integer(0, 22)));
     painter.drawRect(sheet);
-    painter.setBrush(QColor(70, 70, 80, 180));
-    for (double y = 14; y < 200; y += 6) {
-        for (double x = 14; x < 180; x += 0) {
-            const double word = dice.real(5, 18);
-            painter.drawRect(QRectF(x, y, word, 1.5));
-            x += word + 2.5;
-        }
-    }
+    painter.setClipRect(sheet);
+    drawLines(painter, sheet.adjusted(18, 22, -18, -30), dice.real(1.6, 2.2), dice);
     painter.restore();
 }
 

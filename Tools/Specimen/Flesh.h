@@ -5,19 +5,18 @@
 #include <QImage>
 #include <QPainterPath>
 
-#include <vector>
-
 namespace kelvara::specimen {
 
-/// One finger or palm in pixels of the picture, lit as something round.
+/// A finger or a hand in pixels of the picture.
 struct Limb
 {
     QPainterPath outline;
-    QPainterPath nail; ///< Empty if it is not seen.
-    double roundness; ///< From the rim to where it looks flat, in pixels.
+    QPainterPath nails; ///< Shapes within the outline; may be empty.
+    QPainterPath creases; ///< Lines within the outline; may be empty.
+    double roundness = 8; ///< From the rim to where it looks flat, in pixels.
 };
 
-/// Paints limbs in order, each with a soft shadow on what lies beneath.
-void paintLimbs(QImage& picture, const std::vector<Limb>& limbs, Dice& dice);
+/// Paints the limb, lit as something round, with a soft shadow on what lies beneath.
+void paintLimb(QImage& picture, const Limb& limb, Dice& dice);
 
 } // namespace kelvara::specimen

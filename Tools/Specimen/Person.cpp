@@ -1,8 +1,11 @@
 #include "Tools/Specimen/Person.h"
 
 #include "Tools/Specimen/Dice.h"
+#include "Tools/Specimen/Garment.h"
 #include "Tools/Specimen/Pixels.h"
 #include "Tools/Specimen/SharedCache.h"
+
+#include <QPainter>
 
 #include <opencv2/imgproc.hpp>
 
@@ -48,9 +51,6 @@ struct Traits
     cv::Vec3f skinTint;
     double hairGain;
     cv::Vec3f hairTint;
-    double clothesHue;
-    double clothesChroma;
-    double clothesGain;
     double gamma;
     cv::Vec3f whiteBalance;
 };
@@ -78,12 +78,9 @@ Traits traitsOf(std::uint32_t seed)
         { { 225, 40 }, 60, { dice.real(-3, 3), dice.real(-5, 4) }, dice.real(-0.08, 0.08), 0 },
     };
     t.skinGamma = dice.real(0.92, 1.35);
-    t.skinTint = cv::Vec3f(0, static_cast<float>(dice.real(-4, 4)), static_cast<float>(dice.real(-3, 7)));
+    t.skinTint = cv::Vec3f(0, static_cast<float>(dice.real(-1, 4)), static_cast<float>(dice.real(-4, 4)));
     t.hairGain = dice.real(0.35, 1.1);
     t.hairTint = cv::Vec3f(0, static_cast<float>(dice.real(-3, 4)), static_cast<float>(dice.real(-18, 2)));
-    t.clothesHue = dice.real(0, 360);
-    t.clothesChroma = dice.real(0.15, 0.75);
-    t.clothesGain = dice.real(0.5, 1.15);
     t.gamma = dice.real(0.85, 1.18);
     for (int i = 0; i < 3; ++i)
         t.whiteBalance[i] = static_cast<float>(dice.real(0.95, 1.05));
@@ -128,11 +125,6 @@ Source loadSource()
 
     std::array<cv::Mat, 3> lab;
     cv::split(source.lab, lab);
-    const cv::Mat orange = (lab[1] > 30) & (lab[2] > 25);
-    cv::Mat below(bgr.size(), CV_8U, cv::Scalar(0));
-    below.rowRange(180, below.rows).setTo(255);
-    source.clothes = softened(orange & below, 1.0);
-
     cv::Mat face(bgr.size(), CV_8U, cv::Scalar(0));
     const std::vector<cv::Point> outline { { 172, 118 }, { 186, 78 }, { 215, 74 }, { 258, 84 }, { 270, 92 },
         { 279, 125 }, { 270, 138 }, { 259, 160 }, { 256, 186 }, { 236, 192 }, { 200, 184 }, { 186, 174 },
@@ -160,18 +152,14 @@ const Source& source()
     return loaded;
 }
 
-/// Colours of the person: skin, hair, clothes, then the whole print.
+/// Colours of the person: skin, hair, then the whole print.
 cv::Mat coloured(const Source& from, const Traits& t)
 {
     cv::Mat lab = from.lab.clone();
-    const double hue = t.clothesHue * CV_PI / 180;
-    const auto a = static_cast<float>(std::cos(hue));
-    const auto b = static_cast<float>(std::sin(hue));
     for (int y = 0; y < lab.rows; ++y) {
         auto* row = lab.ptr<cv::Vec3f>(y);
         const auto* skin = from.skin.ptr<float>(y);
         const auto* hair = from.hair.ptr<float>(y);
-        const auto* clothes = from.clothes.ptr<float>(y);
         for (int x = 0; x < lab.cols; ++x) {
             cv::Vec3f& p = row[x];
             if (skin[x] > 0) {
@@ -180,11 +168,6 @@ cv::Mat coloured(const Source& from, const Traits& t)
             }
             if (hair[x] > 0)
                 p += hair[x] * (cv::Vec3f(p[0] * static_cast<float>(t.hairGain - 1), 0, 0) + t.hairTint);
-            if (clothes[x] > 0) {
-                const float chroma = std::hypot(p[1], p[2]) * static_cast<float>(t.clothesChroma);
-                const cv::Vec3f dyed(p[0] * static_cast<float>(t.clothesGain), a * chroma, b * chroma);
-                p += clothes[x] * (dyed - p);
-            }
         }
     }
     cv::Mat bgr;
@@ -228,9 +211,9 @@ QRectF moved(const cv::Rect2d& rect, const cv::Mat& map)
     double right = 0;
     double bottom = 0;
     const cv::Point2d centre(rect.x + rect.width / 2, rect.y + rect.height / 2);
-    for (int y = 0; y < map.rows; ++y) {
+    for (int y = 0; y < map.rows; y += 2) {
         const auto* row = map.ptr<cv::Vec2f>(y);
-        for (int x = 0; x < map.cols; ++x) {
+        for (int x = 0; x < map.cols; x += 2) {
             const double u = (row[x][0] - centre.x) / (rect.width / 2);
             const double v = (row[x][1] - centre.y) / (rect.height / 2);
             if (u * u + v * v > 1) // the oval, not its box, so that a tilt does not swell it
@@ -282,10 +265,18 @@ Person makePerson(std::uint32_t seed)
         for (int x = 0; x < width; ++x) {
             const float o = std::clamp(opacity[x], 0.0F, 1.0F);
             for (int c = 0; c < 3; ++c)
-                out[x][c] = static_cast<uchar>(std::lround(static_cast<float>(in[x][c]) * o));
-            out[x][3] = static_cast<uchar>(std::lround(255 * o));
+                out[x][c] = static_cast<uchar>(static_cast<float>(in[x][c]) * o + 0.5F);
+            out[x][3] = static_cast<uchar>(255 * o + 0.5F);
         }
     }
+    // Cloth has no fine detail: half the size will do.
+    const Garment garment = drawGarment(seed, person.image.size() / 2, enlargement / 2);
+    QPainter painter(&person.image);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(person.image.rect(), garment.front.mirrored(t.mirrored, false));
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationOver);
+    painter.drawImage(person.image.rect(), garment.behind.mirrored(t.mirrored, false));
+    painter.end();
     person.face = moved(sourceFace, map);
     person.head = moved(sourceHead, map);
     return person;

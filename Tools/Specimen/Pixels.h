@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QTransform>
 
 #include <opencv2/core.hpp>
 
@@ -19,12 +20,16 @@ namespace kelvara::specimen {
         static_cast<std::size_t>(image.bytesPerLine()) };
 }
 
-/// A deep copy as an image.
-[[nodiscard]] inline QImage imageOf(const cv::Mat& bgra)
+/// The same map as OpenCV's matrix, which stands before column vectors.
+[[nodiscard]] inline cv::Matx33d matrixOf(const QTransform& t)
 {
-    QImage image(bgra.cols, bgra.rows, QImage::Format_ARGB32_Premultiplied);
-    bgra.copyTo(pixelsOf(image));
-    return image;
+    return { t.m11(), t.m21(), t.m31(), t.m12(), t.m22(), t.m32(), t.m13(), t.m23(), t.m33() };
+}
+
+/// A view of a matrix as an image; the matrix must outlive it.
+[[nodiscard]] inline QImage viewOf(cv::Mat& bgra)
+{
+    return { bgra.data, bgra.cols, bgra.rows, static_cast<qsizetype>(bgra.step), QImage::Format_ARGB32_Premultiplied };
 }
 
 } // namespace kelvara::specimen

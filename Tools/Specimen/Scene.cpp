@@ -21,12 +21,6 @@ namespace kelvara::specimen {
 
 namespace {
 
-/// OpenCV's matrix for column vectors of the same map.
-cv::Matx33d matrixOf(const QTransform& t)
-{
-    return { t.m11(), t.m21(), t.m31(), t.m12(), t.m22(), t.m32(), t.m13(), t.m23(), t.m33() };
-}
-
 QImage surfaceSeen(const SceneOptions& options)
 {
     const auto backdrop = backdropFor(options);
@@ -63,9 +57,7 @@ void photographPerson(Scene& scene, const SpecimenData& data, const SceneOptions
     cv::warpPerspective(
         pixelsOf(person->image), layer, matrixOf(place), layer.size(), cv::INTER_LINEAR, cv::BORDER_CONSTANT);
     QPainter painter(&scene.image);
-    painter.drawImage(0, 0,
-        QImage(layer.data, layer.cols, layer.rows, static_cast<qsizetype>(layer.step),
-            QImage::Format_ARGB32_Premultiplied));
+    painter.drawImage(0, 0, viewOf(layer));
     painter.end();
     scene.face = place.mapRect(person->face);
 }

@@ -49,14 +49,20 @@ struct Scene
     std::optional<QRectF> face; ///< The portrait's or the person's face (forehead to chin, ear to ear).
 };
 
-/// Takes the picture. Any thread.
+/// Takes the picture. Null image if the size is empty or, for a card, if nothing can be printed (`printerProblem`). Any
+/// thread, while a QGuiApplication lives. Prints, persons and surfaces are kept: the next picture of the same scene, as
+/// of a film made with `shaken`, costs a tenth of the first. Surface and card tilt and move together, as under a moving
+/// camera; noise changes with the pose.
 [[nodiscard]] Scene photograph(const SpecimenData& data, const SceneOptions& options);
 
-/// Options within the ranges of ordinary use (fill 0.60–0.99, tilts within an aspect of 1.3–1.6 long over short, some
-/// shadow, noise and blur, any background), all from the seed.
+/// Options within the ranges of ordinary use, all from the seed: fill 0.60–0.99, all corners in the picture, tilts
+/// within an aspect of 1.35–1.60 (means of opposite sides, long over short), roll within ±7°, some shadow, noise and
+/// blur, any background. A selfie's face is 0.35–0.75 of the picture's height, but no wider than the picture.
 [[nodiscard]] SceneOptions ordinary(std::uint32_t seed, Subject subject, QSize size = { 1000, 700 });
 
-/// A steady hand's shake: the same options moved, turned and exposed a little as at `seconds`. Smooth in time.
+/// A steady hand's shake: the same options moved, turned and exposed a little as at `seconds`. Smooth in time: between
+/// two frames of a thirtieth of a second a corner moves by less than a hundredth of the frame's width. A card that
+/// nearly fills the picture may be moved over its border.
 [[nodiscard]] SceneOptions shaken(const SceneOptions& options, double seconds);
 
 } // namespace kelvara::specimen

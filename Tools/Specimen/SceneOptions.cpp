@@ -46,11 +46,16 @@ SceneOptions ordinary(std::uint32_t seed, Subject subject, QSize size)
     options.motionBlur = dice.chance(0.4) ? dice.real(0.5, 3) : 0;
     options.focusBlur = dice.chance(0.6) ? dice.real(0.3, 1.1) : 0;
     options.noise = dice.real(1, 5);
-    options.exposure = dice.real(-0.5, 0.35);
+    options.exposure = dice.real(-0.55, 0.12);
     if (subject == Subject::Selfie) {
-        options.fill = dice.real(0.35, 0.75);
+        // An upright frame is narrower than a face of three quarters of its height: ear to ear must fit, at an angle.
+        constexpr double broadest = 1.08; // width over height of a face
+        const double shape = static_cast<double>(size.width()) / std::max(1, size.height());
+        options.fill = dice.real(0.35, std::clamp(0.95 * shape / broadest, 0.36, 0.75));
         options.rollDegrees = dice.real(-5, 5);
-        options.shift = { dice.real(-0.06, 0.06) * size.width(), dice.real(-0.04, 0.04) * size.height() };
+        const double free = std::max(0.0, size.width() - broadest * options.fill * size.height()) / 2;
+        const double aside = std::min(free, 0.06 * size.width());
+        options.shift = { dice.real(-aside, aside), dice.real(-0.04, 0.04) * size.height() };
         return options;
     }
     constexpr int attempts = 400;

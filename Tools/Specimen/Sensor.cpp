@@ -34,7 +34,7 @@ Light lightOf(const SceneOptions& options)
 {
     Dice dice(options.seed, 0x1197);
     Light light {};
-    light.slope = { dice.real(-0.14, 0.14), dice.real(-0.14, 0.14) };
+    light.slope = { dice.real(-0.12, 0.12), dice.real(-0.12, 0.12) };
     light.fallOff = dice.real(0.05, 0.16);
     const double warm = dice.real(-0.06, 0.08);
     light.colour = { 1 - warm, 1.0, 1 + warm * 0.7 };

@@ -1,10 +1,11 @@
 #include "Tools/Specimen/SpecimenFonts.h"
 
 #include <QFontDatabase>
+#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QTransform>
 
-#include <array>
+#include <algorithm>
 
 namespace kelvara::specimen {
 
@@ -65,14 +66,40 @@ QString SpecimenFonts::problem()
     return loadedFonts().m_problem;
 }
 
+const QFont& SpecimenFonts::base(Face face) const
+{
+    return face == Face::Ocr ? m_ocr : face == Face::SansBold ? m_sansBold : m_sans;
+}
+
+QFont SpecimenFonts::font(Face face, int pixelSize) const
+{
+    QFont font = base(face);
+    font.setPixelSize(std::max(1, pixelSize));
+    return font;
+}
+
+SpecimenFonts::Glyph SpecimenFonts::glyph(Face face, QChar character) const
+{
+    const std::lock_guard lock(m_mutex);
+    Glyph& glyph = m_glyphs[{ face, character.unicode() }];
+    if (glyph.advance == 0) {
+        glyph.path.addText(0, 0, base(face), character);
+        glyph.advance = QFontMetricsF(base(face)).horizontalAdvance(character);
+    }
+    return glyph;
+}
+
 QPainterPath SpecimenFonts::outline(Face face, const QString& text, double capHeight) const
 {
-    const QFont& font = face == Face::Ocr ? m_ocr : face == Face::SansBold ? m_sansBold : m_sans;
-    QPainterPath capital;
-    capital.addText(0, 0, font, QStringLiteral("H"));
     QPainterPath path;
-    path.addText(0, 0, font, text);
-    const double scale = capHeight / capital.boundingRect().height();
+    path.setFillRule(Qt::WindingFill);
+    double x = 0;
+    for (const QChar character : text) {
+        const Glyph drawn = glyph(face, character);
+        path.addPath(drawn.path.translated(x, 0));
+        x += drawn.advance;
+    }
+    const double scale = capHeight / glyph(face, u'H').path.boundingRect().height();
     return QTransform::fromScale(scale, scale).map(path);
 }
 

@@ -12,28 +12,52 @@ namespace kelvara::specimen {
 
 namespace {
 
-/// A finger from `root` to `tip` (mm), `width` wide, rounded and a little slimmer at the tip.
-Limb finger(QPointF root, QPointF tip, double width, bool withNail, const QTransform& pose, double pixelsPerMm)
+/// A finger in millimetres: it comes from `root`, and its rounded tip ends at `tip`.
+struct Finger
 {
-    const QPointF along = tip - root;
+    QPointF root;
+    QPointF tip;
+    double width;
+    bool nail;
+};
+
+/// The tip is half an ellipse: this much longer than its half width.
+constexpr double tipLength = 1.15;
+
+void addFinger(Limb& limb, const Finger& finger, Dice& dice)
+{
+    const QPointF along = finger.tip - finger.root;
     const double length = std::hypot(along.x(), along.y());
-    const double r = width / 2;
-    const double slim = r * 0.86;
-    QPainterPath path;
-    path.moveTo(0, -r);
-    path.cubicTo(length * 0.35, -r * 0.98, length * 0.6, -r * 1.03, length - r * 1.1, -slim);
-    path.cubicTo(length - r * 0.35, -slim * 0.92, length, -slim * 0.55, length, 0);
-    path.cubicTo(length, slim * 0.55, length - r * 0.35, slim * 0.92, length - r * 1.1, slim);
-    path.cubicTo(length * 0.6, r * 1.03, length * 0.35, r * 0.98, 0, r);
-    path.closeSubpath();
-    QPainterPath nail;
-    if (withNail)
-        nail.addRoundedRect(QRectF(length - r * 1.75, -r * 0.58, r * 1.5, r * 1.16), r * 0.5, r * 0.55);
+    const double r = finger.width / 2;
+    const double round = tipLength * r;
     QTransform place;
-    place.translate(root.x(), root.y());
+    place.translate(finger.root.x(), finger.root.y());
     place.rotateRadians(std::atan2(along.y(), along.x()));
-    const QTransform toPicture = place * pose;
-    return { toPicture.map(path), toPicture.map(nail), r * pixelsPerMm };
+    QPainterPath path(QPointF(0, -1.1 * r));
+    path.cubicTo(length * 0.4, -1.1 * r, length * 0.55, -r, length - round, -r);
+    path.arcTo(QRectF(length - 2 * round, -r, 2 * round, 2 * r), 90, -180);
+    path.cubicTo(length * 0.55, r, length * 0.4, 1.1 * r, 0, 1.1 * r);
+    path.closeSubpath();
+    limb.outline = limb.outline.united(place.map(path));
+    if (finger.nail) {
+        QPainterPath nail;
+        nail.addRoundedRect(QRectF(length - r * 1.75, -r * 0.56, r * 1.5, r * 1.12), r * 0.5, r * 0.55);
+        limb.nails.addPath(place.map(nail));
+    }
+    for (const double joint : { 3.1, 6.6 }) {
+        for (int i = 0; i < 2; ++i) {
+            const double x = length - joint * r + (i - 0.5) * r * dice.real(0.25, 0.45);
+            QPainterPath crease(QPointF(x, -0.6 * r));
+            crease.quadTo(x + r * dice.real(-0.2, 0.2), 0, x, 0.6 * r);
+            limb.creases.addPath(place.map(crease));
+        }
+    }
+}
+
+/// Takes the limb from millimetres to the picture.
+Limb seen(const Limb& limb, const QTransform& pose, double roundnessMm, double pixelsPerMm)
+{
+    return { pose.map(limb.outline), pose.map(limb.nails), pose.map(limb.creases), roundnessMm * pixelsPerMm };
 }
 
 double scaleOf(const SceneOptions& options)
@@ -46,30 +70,29 @@ double scaleOf(const SceneOptions& options)
 void paintFingers(QImage& picture, const SceneOptions& options)
 {
     Dice dice(options.seed, 0xf19e);
-    const QTransform pose = poseOf(options);
-    const double scale = scaleOf(options);
-    // From the right, from the left or from below, as hands do. `edge` runs along the side that is covered.
-    const int side = dice.integer(0, 2);
-    const double edge = side == 2 ? cardWidth : cardHeight;
-    const double covered = edge * dice.real(0.08, 0.15);
-    const bool two = side == 2 && covered > 11;
-    const double width = two ? covered / 2 : covered;
+    // From the right, from the left or from below, as hands do. A finger is wider than what it may cover of a short
+    // edge: then only its round tip looks over.
+    const int side = dice.integer(0, 3);
+    const double edge = side >= 2 ? cardWidth : cardHeight;
+    const double covered = edge * (side >= 2 ? dice.real(0.085, 0.145) : dice.real(0.115, 0.15));
+    const double width = std::max(covered, dice.real(12, 14));
+    const double r = width / 2;
+    const double chord = std::sqrt(std::max(0.0, 1 - covered * covered / (width * width)));
+    const double deep = tipLength * r * (1 - chord) + (chord < 0.01 ? dice.real(0, 9) : 0);
     const double at = dice.real(-0.30, 0.30) * edge;
-    const double inside = dice.real(3.5, 7.5);
-    const double lean = dice.real(-14, 14);
-    std::vector<Limb> limbs;
-    for (int i = 0; i < (two ? 2 : 1); ++i) {
-        const double along = at + i * width * 1.02;
-        const QPointF root = side == 0 ? QPointF(cardWidth / 2 + 70, along + lean)
-            : side == 1                ? QPointF(-cardWidth / 2 - 70, along + lean)
-                                       : QPointF(along + lean, cardHeight / 2 + 90);
-        const double deep = inside * (i == 0 ? 1 : 0.8);
-        const QPointF tip = side == 0 ? QPointF(cardWidth / 2 - deep, along)
-            : side == 1               ? QPointF(-cardWidth / 2 + deep, along)
-                                      : QPointF(along, cardHeight / 2 - deep);
-        limbs.push_back(finger(root, tip, width, true, pose, scale));
+    const double lean = dice.real(-5, 5);
+    Finger finger { {}, {}, width, dice.chance(0.75) };
+    if (side >= 2) {
+        finger.root = { at + lean, cardHeight / 2 + 95 };
+        finger.tip = { at, cardHeight / 2 - deep };
+    } else {
+        const double sign = side == 0 ? 1 : -1;
+        finger.root = { sign * (cardWidth / 2 + 75), at + lean };
+        finger.tip = { sign * (cardWidth / 2 - deep), at };
     }
-    paintLimbs(picture, limbs, dice);
+    Limb limb;
+    addFinger(limb, finger, dice);
+    paintLimb(picture, seen(limb, poseOf(options), r, scaleOf(options)), dice);
 }
 
 void paintHand(QImage& picture, const SceneOptions& options)
@@ -77,30 +100,30 @@ void paintHand(QImage& picture, const SceneOptions& options)
     Dice dice(options.seed, 0x4a9d);
     SceneOptions placed = options;
     placed.rollDegrees += dice.real(-35, 35);
-    const double size = 0.55;
+    const double size = 0.5;
     const QTransform pose = QTransform::fromScale(dice.chance(0.5) ? size : -size, size) * poseOf(placed);
-    const double scale = scaleOf(options) * size;
-    const double spread = dice.real(0.7, 1.2);
-    std::vector<Limb> limbs;
+    const double spread = dice.real(0.6, 1.25);
+    const bool back = dice.chance(0.6);
+    Limb limb;
     const auto digit = [&](QPointF root, double degrees, double length, double width) {
         const double angle = (-90 + degrees * spread) * std::numbers::pi / 180;
-        limbs.push_back(finger(
-            root, root + length * QPointF(std::cos(angle), std::sin(angle)), width, dice.chance(0.0), pose, scale));
+        const QPointF tip = root + length * QPointF(std::cos(angle), std::sin(angle));
+        addFinger(limb, { root, tip, width, back }, dice);
     };
-    digit({ 6, 170 }, dice.real(-4, 4), 120, 58); // forearm
-    digit({ -34, 10 }, -13, 82, 17);
-    digit({ -13, 4 }, -4, 92, 18);
-    digit({ 9, 5 }, 5, 86, 17.5);
-    digit({ 29, 14 }, 16, 68, 15);
-    digit({ -26, 62 }, -52, 78, 21);
-    QPainterPath palm;
-    palm.moveTo(-42, 8);
-    palm.cubicTo(-20, -12, 18, -12, 38, 6);
-    palm.cubicTo(46, 40, 38, 70, 30, 96);
-    palm.cubicTo(10, 104, -14, 104, -26, 94);
-    palm.cubicTo(-46, 60, -44, 30, -42, 8);
-    limbs.push_back({ pose.map(palm), {}, 22 * scale });
-    paintLimbs(picture, limbs, dice);
+    QPainterPath palm(QPointF(-44, 10));
+    palm.cubicTo(-24, -8, 22, -8, 40, 12);
+    palm.cubicTo(47, 44, 41, 74, 31, 98);
+    palm.cubicTo(27, 122, 30, 170, 32, 300);
+    palm.lineTo(-30, 300);
+    palm.cubicTo(-30, 170, -28, 122, -30, 98);
+    palm.cubicTo(-44, 70, -47, 40, -44, 10);
+    limb.outline = palm;
+    digit({ -33, 30 }, -12, 100, 18);
+    digit({ -11, 30 }, -4, 116, 19);
+    digit({ 11, 30 }, 4, 110, 18.5);
+    digit({ 31, 34 }, 14, 88, 16);
+    digit({ -28, 84 }, -46, 96, 22);
+    paintLimb(picture, seen(limb, pose, 11, scaleOf(options) * size), dice);
 }
 
 void paintPhone(QImage& picture, const SceneOptions& options)

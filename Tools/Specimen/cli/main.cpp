@@ -1,4 +1,3 @@
-#include "Tools/Specimen/Pose.h"
 #include "Tools/Specimen/Scene.h"
 
 #include <QCommandLineParser>
