@@ -88,6 +88,9 @@ QImage CardMovie::frame(std::chrono::microseconds time)
         const double width = std::max(0.01, std::abs(std::cos(part * std::numbers::pi)));
         if (const auto& side = part < 0.5 ? act.before : act.now)
             drawMoving(painter, *side, narrowed(centre, width));
+    } else if (act.now->outline.isEmpty()) {
+        painter.setOpacity(part);
+        drawMoving(painter, *act.now, QTransform());
     } else {
         const double left = 0.5 * (1 + std::cos(part * std::numbers::pi));
         drawMoving(painter, *act.now, QTransform::fromTranslate(0, left * m_frame.height()));
@@ -119,6 +122,7 @@ void CardMovie::drawWhole(QPainter& painter, const MovieClip& clip) const
 void CardMovie::drawMoving(QPainter& painter, const MovieClip& clip, const QTransform& movement) const
 {
     painter.save();
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter.setTransform(movement, true);
     if (clip.outline.isEmpty()) {
         painter.setClipRect(QRectF(QPointF(), m_frame));

@@ -22,7 +22,7 @@ struct MovieClip
 {
     /// A still, `kShakeMargin` larger than the frame on every side.
     QImage plate;
-    /// The card in the plate's pixels: what moves when it comes and turns. Empty: the whole picture does.
+    /// The card in the plate's pixels: what moves when it comes and turns. Empty: the whole picture.
     QPainterPath outline;
     /// Instead of a still: the picture of the moment, and where it goes in the frame.
     std::function<QImage()> live;
@@ -37,12 +37,13 @@ struct HandShake
     double rollDegrees = 0;
 };
 
-/// A camera's picture, moment by moment: clips held in an unsteady hand, that slide in or are turned over. Any thread;
+/// A camera's picture, moment by moment: clips held in an unsteady hand, that come or are turned over. Any thread;
 /// `frame` is for one thread.
 class CardMovie
 {
 public:
-    enum class Arrival { SlidesIn, TurnsOver };
+    /// A card slides in from below; a whole picture fades in.
+    enum class Arrival { Comes, TurnsOver };
 
     /// `backdrop` (as large as a clip's plate) is what is seen when nothing is held before the camera.
     CardMovie(QSize frame, QImage backdrop, std::function<HandShake(double seconds)> shake);
@@ -59,7 +60,7 @@ private:
     {
         std::shared_ptr<const MovieClip> before;
         std::shared_ptr<const MovieClip> now;
-        Arrival arrival = Arrival::SlidesIn;
+        Arrival arrival = Arrival::Comes;
         std::optional<std::chrono::microseconds> begin; ///< Set by the first frame of the arrival.
         bool settled = true;
     };

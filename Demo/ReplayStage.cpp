@@ -10,14 +10,11 @@ namespace kelvara::demo {
 
 namespace {
 
+constexpr std::array kSubjects { Subject::CardFront, Subject::CardBack, Subject::Selfie };
+
 std::size_t slot(Subject subject)
 {
     return static_cast<std::size_t>(subject);
-}
-
-const char* nameOf(Subject subject)
-{
-    return subject == Subject::Selfie ? "a face" : "the card";
 }
 
 std::shared_ptr<ReplayCamera> cameraOn(
@@ -34,52 +31,57 @@ std::shared_ptr<ReplayCamera> cameraOn(
 } // namespace
 
 ReplayStage::ReplayStage(const DemoOptions& options, ScanAreas areas, PictureAnalysis analysis)
-    : m_options(options), m_areas(areas), m_analysis(std::move(analysis))
+    : m_seed(options.seed), m_paths { options.cardFront, options.cardBack, options.selfie }, m_areas(areas),
+      m_analysis(std::move(analysis))
 { }
 
 std::optional<QString> ReplayStage::open()
 {
-    const std::array<QString, 3> paths { m_options.cardFront, m_options.cardBack, m_options.selfie };
-    const SpecimenScenes scenes(m_options.seed, m_areas);
+    if (auto problem = openPictures())
+        return problem;
+    const SpecimenScenes scenes(m_seed, m_areas);
     std::array<std::future<MovieClip>, 3> specimens;
-    for (const Subject subject : { Subject::CardFront, Subject::CardBack, Subject::Selfie }) {
-        if (paths[slot(subject)].isEmpty())
+    for (const Subject subject : kSubjects) {
+        if (!m_sources[slot(subject)])
             specimens[slot(subject)]
                 = std::async(std::launch::async, [&scenes, subject] { return scenes.clip(subject); });
     }
-    std::optional<QString> problem;
-    for (const Subject subject : { Subject::CardFront, Subject::CardBack, Subject::Selfie }) {
-        if (!problem && !paths[slot(subject)].isEmpty())
-            problem = openPicture(subject, paths[slot(subject)]);
+    for (const Subject subject : kSubjects) {
+        auto& specimen = specimens[slot(subject)];
+        m_clips[slot(subject)] = std::make_shared<const MovieClip>(specimen.valid() ? specimen.get() : fitted(subject));
     }
     const auto shake = [scenes](double seconds) { return scenes.shake(seconds); };
     m_tableMovie = std::make_shared<CardMovie>(m_areas.frame, scenes.backdrop(Subject::CardFront), shake);
     m_roomMovie = std::make_shared<CardMovie>(m_areas.frame, scenes.backdrop(Subject::Selfie), shake);
-    for (std::size_t i = 0; i < specimens.size(); ++i) {
-        if (specimens[i].valid())
-            m_clips[i] = std::make_shared<const MovieClip>(specimens[i].get());
-    }
-    if (problem)
-        return problem;
     m_back = cameraOn(m_tableMovie, QStringLiteral("Replayed back camera"), AVCaptureDevicePosition::Back);
     m_front = cameraOn(m_roomMovie, QStringLiteral("Replayed front camera"), AVCaptureDevicePosition::Front);
     return std::nullopt;
 }
 
-std::optional<QString> ReplayStage::openPicture(Subject subject, const QString& path)
+std::optional<QString> ReplayStage::openPictures()
 {
-    auto source = std::make_shared<PictureSource>(path);
-    if (auto problem = source->open())
-        return problem;
+    for (const Subject subject : kSubjects) {
+        const QString& path = m_paths[slot(subject)];
+        if (path.isEmpty())
+            continue;
+        auto source = std::make_shared<PictureSource>(path);
+        if (auto problem = source->open())
+            return problem;
+        m_sources[slot(subject)] = std::move(source);
+    }
+    return std::nullopt;
+}
+
+MovieClip ReplayStage::fitted(Subject subject) const
+{
+    const auto& source = m_sources[slot(subject)];
     const QImage first = source->latest();
     const PictureFit fit = PictureFitter(m_analysis, m_areas).fit(first, subject);
-    if (fit.found)
-        std::printf("%s: found %s in the picture (%d×%d).\n", qUtf8Printable(path), nameOf(subject), first.width(),
-            first.height());
-    else
-        std::printf("%s: %s was not found in the picture (%d×%d); it is shown %s.\n", qUtf8Printable(path),
-            nameOf(subject), first.width(), first.height(),
-            subject == Subject::Selfie ? "as a whole" : "as if the card filled it from edge to edge");
+    const QString outcome = fit.found ? QStringLiteral("was found")
+        : subject == Subject::Selfie  ? QStringLiteral("was not found; the picture is shown as a whole")
+                                      : QStringLiteral("was not found; the picture is taken to be the card itself");
+    std::printf("%s (%d×%d): %s %s.\n", qUtf8Printable(m_paths[slot(subject)]), first.width(), first.height(),
+        subject == Subject::Selfie ? "a face" : "the card", qUtf8Printable(outcome));
     std::fflush(stdout);
 
     MovieClip clip;
@@ -91,16 +93,14 @@ std::optional<QString> ReplayStage::openPicture(Subject subject, const QString& 
         clip.plate = PictureFitter::laid(first, fit.toFrame,
             QRect(QPoint(), m_areas.frame).adjusted(-kShakeMargin, -kShakeMargin, kShakeMargin, kShakeMargin));
     }
-    m_sources[slot(subject)] = source;
-    m_clips[slot(subject)] = std::make_shared<const MovieClip>(std::move(clip));
-    return std::nullopt;
+    return clip;
 }
 
 void ReplayStage::present(Subject subject)
 {
     CardMovie& movie = subject == Subject::Selfie ? *m_roomMovie : *m_tableMovie;
     movie.show(m_clips[slot(subject)],
-        subject == Subject::CardBack ? CardMovie::Arrival::TurnsOver : CardMovie::Arrival::SlidesIn);
+        subject == Subject::CardBack ? CardMovie::Arrival::TurnsOver : CardMovie::Arrival::Comes);
 }
 
 bool ReplayStage::settled() const

@@ -30,9 +30,12 @@ public:
     [[nodiscard]] bool settled() const override;
 
 private:
-    [[nodiscard]] std::optional<QString> openPicture(Subject subject, const QString& path);
+    [[nodiscard]] std::optional<QString> openPictures();
+    /// The picture's clip, laid so that the subject lies in its cut-out.
+    [[nodiscard]] MovieClip fitted(Subject subject) const;
 
-    const DemoOptions m_options;
+    const std::uint32_t m_seed;
+    const std::array<QString, 3> m_paths; ///< By subject; empty: a specimen.
     const ScanAreas m_areas;
     const PictureAnalysis m_analysis;
     std::array<std::shared_ptr<PictureSource>, 3> m_sources;

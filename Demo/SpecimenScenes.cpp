@@ -9,7 +9,7 @@ namespace kelvara::demo {
 namespace {
 
 constexpr double kCardFill = 0.93;
-constexpr double kFaceFill = 0.6;
+constexpr double kFaceFill = 0.5;
 constexpr double kCornerMillimetres = 3.18;
 constexpr double kCardMillimetres = 85.6;
 /// Within the plate's spare margin, whatever the shake asks for.
@@ -72,7 +72,10 @@ MovieClip SpecimenScenes::clip(Subject subject) const
 QImage SpecimenScenes::backdrop(Subject subject) const
 {
     specimen::SceneOptions empty = options(subject);
-    empty.subject = specimen::Subject::Nothing;
+    if (subject == Subject::Selfie)
+        empty.shift.setY(2.0 * empty.size.height()); // the room, and the person far below
+    else
+        empty.subject = specimen::Subject::Nothing;
     return specimen::photograph(m_data, empty).image;
 }
 

@@ -1,0 +1,206 @@
+#include "Tests/Demo/DemoProcess.h"
+#include "Tools/Specimen/Scene.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QImage>
+#include <QJsonArray>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numeric>
+#include <vector>
+
+using namespace kelvara;
+
+namespace {
+
+constexpr auto kAmpleLimit = "240"; // a sanitizer's build takes its time
+
+QString text(const char* utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+void writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+/// A JPEG whose Exif entry says that the stored picture is to be turned by 90° clockwise for showing.
+QByteArray photoOnItsSide(const QImage& upright)
+{
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    buffer.open(QIODevice::WriteOnly);
+    upright.transformed(QTransform().rotate(-90)).convertToFormat(QImage::Format_RGB888).save(&buffer, "JPEG", 92);
+    const QByteArray exif = QByteArray::fromHex("ffe10022"
+                                                "457869660000"
+                                                "4d4d002a00000008"
+                                                "0001"
+                                                "01120003000000010006"
+                                                "0000"
+                                                "00000000");
+    return jpeg.left(2) + exif + jpeg.mid(2);
+}
+
+/// Correlation of two pictures' brightness, both made equally small: 1 is the same but for light and contrast.
+double likeness(const QImage& one, const QImage& other)
+{
+    const auto small = [](const QImage& image) {
+        const QImage grey = image.scaled(64, 40, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                                .convertToFormat(QImage::Format_Grayscale8);
+        std::vector<double> values;
+        for (int y = 0; y < grey.height(); ++y)
+            values.insert(values.end(), grey.constScanLine(y), grey.constScanLine(y) + grey.width());
+        const double mean = std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
+        for (double& value : values)
+            value -= mean;
+        return values;
+    };
+    const auto product
+        = [](const auto& a, const auto& b) { return std::inner_product(a.begin(), a.end(), b.begin(), 0.0); };
+    const auto a = small(one);
+    const auto b = small(other);
+    return product(a, b) / std::sqrt(product(a, a) * product(b, b));
+}
+
+/// The picture of a delegate's call as its file holds it, checked against what result.json says of it.
+QImage delivered(const QDir& folder, int call, int picture)
+{
+    const QJsonObject entry = resultIn(folder)[text("delegateCalls")][call][text("pictures")][picture].toObject();
+    const QImage image(folder.filePath(entry[text("file")].toString()), "PNG");
+    EXPECT_TRUE(entry[text("isBase64")].toBool() && entry[text("isPng")].toBool());
+    EXPECT_TRUE(entry[text("isTheSamePicture")].toBool());
+    EXPECT_EQ(image.size(), QSize(entry[text("width")].toInt(), entry[text("height")].toInt()));
+    return image;
+}
+
+TEST(Demo, CompletesTheFlowAndLeavesProof)
+{
+    const QTemporaryDir out;
+    const QDir folder(out.path());
+    writeFile(folder.filePath(text("picture-99-old.png")), "stale");
+    writeFile(folder.filePath(text("holiday.png")), "not ours");
+    const DemoProcess demo = DemoProcess::run(
+        { text("--out"), out.path(), text("--seed"), text("7"), text("--limit"), text(kAmpleLimit) });
+    ASSERT_EQ(demo.exitCode, 0) << qPrintable(demo.complained);
+    EXPECT_TRUE(demo.complained.isEmpty()) << qPrintable(demo.complained);
+    EXPECT_FALSE(folder.exists(text("picture-99-old.png")));
+    EXPECT_TRUE(folder.exists(text("holiday.png")));
+
+    const QJsonObject result = resultIn(folder);
+    EXPECT_EQ(result[text("steps")].toArray(), QJsonArray({ text("idPhoto"), text("selfie") }));
+    QStringList methods;
+    for (const QJsonValue& call : result[text("delegateCalls")].toArray())
+        methods.append(call[text("method")].toString());
+    ASSERT_EQ(methods,
+        QStringList({ text("didCaptureIdFrontPhoto"), text("didCaptureIdBackPhoto"), text("didCaptureSelfiePhoto") }));
+
+    const auto data = specimen::SpecimenData::fromSeed(7);
+    EXPECT_NEAR(delivered(folder, 0, 0).width(), 798, 2); // 351 of the 844 points that 1920 pixels fill
+    EXPECT_GT(likeness(delivered(folder, 0, 1), specimen::printFront(data)), 0.8);
+    EXPECT_GT(likeness(delivered(folder, 1, 1), specimen::printBack(data)), 0.8);
+    EXPECT_NEAR(delivered(folder, 2, 0).width(), 682, 2);
+    EXPECT_LT(delivered(folder, 2, 1).width(), 600);
+
+    QStringList screens;
+    for (const char* kind : { "screens", "gallery" }) {
+        for (const QJsonValue& screen : result[text(kind)].toArray()) {
+            screens.append(screen.toString().section(QLatin1Char('-'), 2).chopped(4));
+            EXPECT_EQ(QImage(folder.filePath(screen.toString())).size(), QSize(780, 1688))
+                << qPrintable(screens.last());
+        }
+    }
+    EXPECT_EQ(screens,
+        QStringList(
+            { text("front-waiting"), text("front-ready"), text("flip-hint"), text("back-ready"), text("selfie-waiting"),
+                text("selfie-ready"), text("finished"), text("no-back-camera"), text("no-front-camera"),
+                text("nfc-required"), text("no-steps"), text("nfc-step-without-nfc"), text("waiting-for-the-call") }));
+}
+
+TEST(Demo, TakesAPhonesPhotographOnItsSide)
+{
+    const QTemporaryDir place;
+    const auto data = specimen::SpecimenData::fromSeed(3);
+    specimen::SceneOptions options;
+    options.seed = 3;
+    options.size = QSize(1500, 2000);
+    options.subject = specimen::Subject::Front;
+    options.fill = 0.7;
+    options.rollDegrees = 12;
+    const QString photo = place.filePath(text("photo.jpg"));
+    writeFile(photo, photoOnItsSide(specimen::photograph(data, options).image));
+
+    const QDir folder(place.filePath(text("out")));
+    const DemoProcess demo = DemoProcess::run(
+        { text("--card-front"), photo, text("--out"), folder.path(), text("--limit"), text(kAmpleLimit) });
+    ASSERT_EQ(demo.exitCode, 0) << qPrintable(demo.said + demo.complained);
+    EXPECT_TRUE(demo.said.contains(text("the card was found"))) << qPrintable(demo.said);
+    EXPECT_GT(likeness(delivered(folder, 0, 1), specimen::printFront(data)), 0.8);
+}
+
+TEST(Demo, SaysWhatIsMissingWhenItGivesUp)
+{
+    const QTemporaryDir place;
+    QImage blank(900, 600, QImage::Format_RGB32);
+    blank.fill(QColor(0x3c, 0x43, 0x4b)); // the very colour that pictures are laid on
+    const QString photo = place.filePath(text("blank.png"));
+    ASSERT_TRUE(blank.save(photo));
+    const DemoProcess demo = DemoProcess::run(
+        { text("--card-front"), photo, text("--out"), place.filePath(text("out")), text("--limit"), text("3") });
+    EXPECT_EQ(demo.exitCode, 1);
+    EXPECT_TRUE(demo.complained.contains(text("not complete within 3 seconds"))) << qPrintable(demo.complained);
+    EXPECT_TRUE(demo.complained.contains(text("no card rectangle"))) << qPrintable(demo.complained);
+    EXPECT_FALSE(resultIn(QDir(place.filePath(text("out"))))[text("completed")].toBool(true));
+}
+
+struct Refusal
+{
+    const char* name;
+    QStringList arguments; ///< "@" stands for the place with the files.
+    const char* sentence;
+
+    friend void PrintTo(const Refusal& refusal, std::ostream* stream) { *stream << refusal.name; }
+};
+
+class DemoRefusals : public testing::TestWithParam<Refusal>
+{ };
+
+TEST_P(DemoRefusals, EndWithOneSentence)
+{
+    const QTemporaryDir place;
+    ASSERT_TRUE(QDir(place.path()).mkdir(text("empty")));
+    writeFile(place.filePath(text("letter.jpg")), "Dear Sir or Madam");
+    writeFile(
+        place.filePath(text("broken.mp4")), QByteArray::fromHex("00000018667479706d703432") + QByteArray(4000, 'x'));
+    QStringList arguments { text("--out"), place.filePath(text("out")) };
+    for (QString argument : GetParam().arguments)
+        arguments.append(argument.replace(QLatin1Char('@'), place.path()));
+    const DemoProcess demo = DemoProcess::run(arguments);
+    EXPECT_EQ(demo.exitCode, 2);
+    EXPECT_TRUE(demo.complained.contains(text(GetParam().sentence))) << qPrintable(demo.complained);
+    const bool isUsage = demo.complained.contains(text("Usage:"));
+    EXPECT_TRUE(isUsage || demo.complained.count(QLatin1Char('\n')) == 1) << qPrintable(demo.complained);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, DemoRefusals,
+    testing::Values(Refusal { "UnknownOption", { text("--nonsense") }, "\"--nonsense\" is not an option" },
+        Refusal { "NoValue", { text("--seed") }, "--seed needs a value" },
+        Refusal { "NotANumber", { text("--seed"), text("x") }, "--seed cannot be \"x\"" },
+        Refusal { "TooSmall", { text("--size"), text("10x10") }, "--size cannot be \"10x10\"" },
+        Refusal { "NoTime", { text("--limit=0") }, "--limit cannot be \"0\"" },
+        Refusal {
+            "CameraAndFile", { text("--camera"), text("--selfie"), text("me.jpg") }, "--camera takes its pictures" },
+        Refusal { "NoSuchFile", { text("--selfie"), text("@/none.png") }, "There is no file or folder" },
+        Refusal { "NotAPicture", { text("--card-front"), text("@/letter.jpg") }, "letter.jpg" },
+        Refusal { "EmptyFolder", { text("--card-back"), text("@/empty") }, "empty" },
+        Refusal { "DamagedVideo", { text("--selfie"), text("@/broken.mp4") }, "broken.mp4" },
+        Refusal { "OutIsAFile", { text("--out"), text("@/letter.jpg") }, "cannot be made" }),
+    [](const auto& row) { return std::string(row.param.name); });
+
+} // namespace
