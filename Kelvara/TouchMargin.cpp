@@ -51,6 +51,9 @@ bool TouchMargin::eventFilter(QObject* watched, QEvent* event)
 
 bool TouchMargin::forward(QMouseEvent& event)
 {
+    // What the button has no use for Qt passes on to its parent, and so back to here.
+    if (m_sending)
+        return true;
     const QPointF position = m_button->mapFromParent(event.position());
     const bool isPress = event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick;
     if (isPress) {
@@ -66,8 +69,12 @@ bool TouchMargin::forward(QMouseEvent& event)
         m_forwarding = false;
     QMouseEvent moved(event.type(), position, event.scenePosition(), event.globalPosition(), event.button(),
         event.buttons(), event.modifiers(), event.pointingDevice());
+    const QPointer<TouchMargin> life(this); // The click may delete the button.
+    m_sending = true;
     QCoreApplication::sendEvent(m_button, &moved);
-    return true; // Nothing after this touches the members: the click may have deleted the button.
+    if (life)
+        m_sending = false;
+    return true;
 }
 
 } // namespace kelvara

@@ -33,7 +33,8 @@ private:
     QAbstractButton* const m_button;
     QPointer<QWidget> m_parent;
     QSize m_minimumSize;
-    bool m_forwarding = false;
+    bool m_forwarding = false; ///< From a press in the margin to its release.
+    bool m_sending = false;
 };
 
 } // namespace kelvara

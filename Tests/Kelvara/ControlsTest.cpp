@@ -276,6 +276,8 @@ TEST(TouchMargin, LetsPressesCountThatLandCloseToASmallButton)
 
     QTest::mousePress(&preview, Qt::LeftButton, {}, { 145, 25 });
     EXPECT_TRUE(close->isDown());
+    for (const QPoint& way : { QPoint(100, 80), QPoint(60, 90), QPoint(20, 100) })
+        QTest::mouseMove(&preview, way);
     QTest::mouseRelease(&preview, Qt::LeftButton, {}, { 20, 100 });
     EXPECT_FALSE(close->isDown());
     EXPECT_EQ(clicks.count(), 0) << "dragged away";
@@ -314,6 +316,14 @@ TEST(Focus, ShowsForTheKeyboardAndReturnsToTheShutter)
     shutter->setEnabled(false);
     shutter->setEnabled(true);
     EXPECT_TRUE(torch->hasFocus()) << "the shutter takes back only what it had";
+
+    IconButton close(&window);
+    close.show();
+    shutter->setFocus();
+    shutter->setEnabled(false);
+    close.setFocus();
+    shutter->setEnabled(true);
+    EXPECT_TRUE(close.hasFocus()) << "and not what has moved on since";
 }
 
 TEST(Buttons, HaveALookForEveryState)

@@ -102,10 +102,12 @@ TEST_P(OverlayPainting, ShowsDimBorderAndClearCutout)
     const auto overlay = makeOverlay(row.card, &window);
     overlay->setGeometry(QRect(row.position, row.size));
     window.show();
-    for (const QColor stroke : { QColor(Qt::white), QColor(27, 170, 194) }) {
+    // Another border, then another screen for the same border.
+    for (const auto& [stroke, ratio] : { std::pair(QColor(Qt::white), row.ratio),
+             std::pair(QColor(27, 170, 194), row.ratio), std::pair(QColor(27, 170, 194), row.ratio + 0.5) }) {
         overlay->firstSublayer()->setStrokeColor(stroke);
-        const QImage actual = painted(window, row.ratio, kBehind);
-        const QImage expected = paintedByPaths(*overlay, row.position, window.size(), row.ratio);
+        const QImage actual = painted(window, ratio, kBehind);
+        const QImage expected = paintedByPaths(*overlay, row.position, window.size(), ratio);
         int compared = 0;
         int wrong = 0;
         for (int y = 2; y < expected.height() - 2; ++y) {
