@@ -1,9 +1,14 @@
 #include "Platform/Capture/FrameConverter.h"
 
+#include <QBuffer>
+#include <QByteArray>
+#include <QImage>
+#include <QImageReader>
 #include <QSize>
 
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
+
+#include <cstring>
 
 namespace kelvara {
 
@@ -30,10 +35,15 @@ cv::Mat rowsOf(const FramePlane& plane, int width, int height, int type)
 void forceOpaque(const cv::Mat& from, cv::Mat& to)
 {
     for (int y = 0; y < from.rows; ++y) {
-        const auto* source = from.ptr<std::uint32_t>(y);
-        auto* target = to.ptr<std::uint32_t>(y);
-        for (int x = 0; x < from.cols; ++x)
-            target[x] = source[x] | 0xff000000U;
+        // Rows may begin at any address, so pixels are moved as bytes.
+        const std::uint8_t* source = from.ptr(y);
+        std::uint8_t* target = to.ptr(y);
+        for (int x = 0; x < from.cols; ++x) {
+            std::uint32_t pixel = 0;
+            std::memcpy(&pixel, source + 4 * x, 4);
+            pixel |= 0xff000000U;
+            std::memcpy(target + 4 * x, &pixel, 4);
+        }
     }
 }
 
@@ -109,11 +119,22 @@ bool convertJpeg(const RawFrame& frame, cv::Mat& to)
     // The header is asked first: a damaged one may claim a size that no memory holds.
     if (jpegSize({ plane.bytes, plane.size }) != QSize(frame.width, frame.height))
         return false;
-    const cv::Mat bytes(1, static_cast<int>(plane.size), CV_8UC1, const_cast<std::uint8_t*>(plane.bytes));
-    const cv::Mat decoded = cv::imdecode(bytes, cv::IMREAD_COLOR | cv::IMREAD_IGNORE_ORIENTATION);
-    if (decoded.size() != to.size() || decoded.type() != CV_8UC3)
+    QByteArray bytes
+        = QByteArray::fromRawData(reinterpret_cast<const char*>(plane.bytes), static_cast<qsizetype>(plane.size));
+    QBuffer file(&bytes);
+    file.open(QIODevice::ReadOnly);
+    QImageReader reader(&file, "jpg");
+    reader.setAutoTransform(false);
+    // Decoded in place; only a grey JPEG comes in memory of its own.
+    QImage image(to.data, to.cols, to.rows, static_cast<qsizetype>(to.step[0]), QImage::Format_RGB32);
+    if (!reader.read(&image) || image.size() != QSize(to.cols, to.rows))
         return false;
-    cv::cvtColor(decoded, to, cv::COLOR_BGR2BGRA);
+    if (image.constBits() == to.data)
+        return true;
+    const QImage pixels = image.convertToFormat(QImage::Format_RGB32);
+    const cv::Mat decoded(pixels.height(), pixels.width(), CV_8UC4, const_cast<uchar*>(pixels.constBits()),
+        static_cast<std::size_t>(pixels.bytesPerLine()));
+    decoded.copyTo(to);
     return true;
 }
 

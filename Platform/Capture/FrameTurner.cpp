@@ -36,9 +36,8 @@ std::optional<CVPixelBuffer> turnedPicture(
             cv::flip(from, to, mirrored ? 0 : -1);
             break;
         case 270:
-            cv::rotate(from, to, cv::ROTATE_90_COUNTERCLOCKWISE);
-            if (mirrored)
-                cv::flip(to, to, 1);
+            cv::transpose(from, to);
+            cv::flip(to, to, mirrored ? -1 : 0);
             break;
         default:
             mirrored ? cv::flip(from, to, 1) : from.copyTo(to);

@@ -1,7 +1,7 @@
 #include "Platform/Capture/ReplayLayout.h"
 
-#include <opencv2/imgcodecs.hpp>
-#include <opencv2/imgproc.hpp>
+#include <QBuffer>
+#include <QImage>
 
 #include <algorithm>
 #include <cstring>
@@ -11,6 +11,7 @@ namespace kelvara {
 namespace {
 
 constexpr std::uint8_t kNonsense = 0xa5;
+constexpr int kJpegQuality = 95;
 
 struct Color
 {
@@ -180,16 +181,13 @@ void layOutBgra(const CVPixelBuffer& picture, Planes& planes)
 
 void layOutJpeg(const CVPixelBuffer& picture, std::vector<std::uint8_t>& bytes)
 {
-    const cv::Mat from(picture.height(), picture.width(), CV_8UC4, const_cast<std::uint8_t*>(picture.baseAddress()),
-        picture.bytesPerRow());
+    const QImage image(picture.baseAddress(), picture.width(), picture.height(),
+        static_cast<qsizetype>(picture.bytesPerRow()), QImage::Format_RGB32);
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
     bytes.clear();
-    try {
-        cv::Mat colors;
-        cv::cvtColor(from, colors, cv::COLOR_BGRA2BGR);
-        cv::imencode(".jpg", colors, bytes);
-    } catch (const cv::Exception&) {
-        bytes.clear();
-    }
+    if (image.save(&file, "jpg", kJpegQuality))
+        bytes.assign(file.data().begin(), file.data().end());
 }
 
 } // namespace

@@ -10,10 +10,10 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QEventLoop>
 
 #include <functional>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 namespace kelvara::test {
@@ -26,7 +26,8 @@ inline bool waitFor(const std::function<bool()>& condition)
     while (!condition()) {
         if (timer.elapsed() > 10000)
             return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
+        QCoreApplication::processEvents();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
 }
