@@ -58,6 +58,27 @@ QPainterPath lapel(double side, double opening)
     return path;
 }
 
+/// What the open jacket shows; above the neckline the body's outline cuts it.
+QPainterPath shirtFront(double opening)
+{
+    QPainterPath path(QPointF(184, 150));
+    path.lineTo(184, 174);
+    path.cubicTo(191.5, 220, 207.5, opening - 50, 221.5, opening);
+    path.cubicTo(235.5, opening - 50, 251.5, 220, 259, 174);
+    path.lineTo(259, 150);
+    path.closeSubpath();
+    return path;
+}
+
+void drawCollarBand(QPainter& painter, const QColor& cloth)
+{
+    QPainterPath band(QPointF(185, 174));
+    band.cubicTo(192, 184, 206, 188, 224, 189);
+    band.cubicTo(240, 190, 254, 184, 260, 173);
+    painter.strokePath(band, QPen(cloth.darker(135), 7));
+    painter.strokePath(band.translated(0, 3), QPen(cloth.lighter(110), 4));
+}
+
 void drawFolds(QPainter& painter, const QPainterPath& within, Dice& dice)
 {
     painter.save();
@@ -135,16 +156,12 @@ Garment drawGarment(std::uint32_t seed, QSize size, double scale)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(scale, scale);
     const QPainterPath body = shoulders();
-    painter.fillPath(body, jacket ? shirt : cloth);
-    // The collar's band around the neck.
-    QPainterPath band(QPointF(185, 174));
-    band.cubicTo(192, 184, 206, 188, 224, 189);
-    band.cubicTo(240, 190, 254, 184, 260, 173);
+    painter.fillPath(body, cloth);
     painter.save();
     painter.setClipPath(body);
-    painter.strokePath(band, QPen((jacket ? shirt : cloth).darker(135), 7));
-    painter.strokePath(band.translated(0, 3), QPen((jacket ? shirt : cloth).lighter(110), 4));
-    painter.restore();
+    if (jacket)
+        painter.fillPath(shirtFront(opening), shirt);
+    drawCollarBand(painter, jacket ? shirt : cloth);
     if (jacket) {
         for (const double side : { -1.0, 1.0 }) {
             painter.strokePath(jacketHalf(side, opening), QPen(QColor(0, 0, 0, 40), 6));
@@ -153,6 +170,7 @@ Garment drawGarment(std::uint32_t seed, QSize size, double scale)
             painter.fillPath(lapel(side, opening), cloth.lighter(112));
         }
     }
+    painter.restore();
     drawFolds(painter, body, dice);
     painter.end();
     shadeCloth(image, scale, dice);
