@@ -14,6 +14,7 @@ constexpr double kCardFill = 0.93; ///< A well-held card's width over the cut-ou
 constexpr double kEdgeToEdgeFill = 0.96; ///< A picture that is taken to be the card itself.
 constexpr double kTallestCard = 0.97; ///< Its height over the cut-out's, at most.
 constexpr double kFaceHeight = 0.6; ///< Over the oval's.
+constexpr double kPrintedPart = 0.35; ///< Of a scan's area: what is smaller is not the card.
 constexpr QRgb kNeutral = 0xff3c434bU;
 
 constexpr int kWorkingSide = 2000;
@@ -56,6 +57,14 @@ double areaOf(const QPolygonF& quad)
     return std::abs(twice) / 2;
 }
 
+/// ID-1, give or take a scanner's margin.
+bool hasCardShape(const QSize& size)
+{
+    const double aspect = static_cast<double>(std::max(size.width(), size.height()))
+        / std::max(1, std::min(size.width(), size.height()));
+    return aspect > 1.54 && aspect < 1.64;
+}
+
 QPointF middleOf(const QPolygonF& quad)
 {
     return (quad[0] + quad[1] + quad[2] + quad[3]) / 4;
@@ -84,24 +93,34 @@ PictureFit PictureFitter::fit(const QImage& picture, Subject subject) const
 
 PictureFit PictureFitter::fitCard(const QImage& picture, bool front) const
 {
-    const std::vector<QPolygonF> cards = findCards(picture);
+    std::vector<QPolygonF> cards = findCards(picture);
     const QPolygonF edges({ QPointF(0, 0), QPointF(picture.width(), 0), QPointF(picture.width(), picture.height()),
         QPointF(0, picture.height()) });
+    // A scan has a card's shape; a small rectangle in it is something printed on the card.
+    if (!cards.empty() && hasCardShape(picture.size()) && areaOf(cards.front()) < kPrintedPart * areaOf(edges))
+        cards.clear();
     if (front) {
         // The portrait tells which way is up, and a card from a rectangle that is none.
         for (const QPolygonF& card : cards) {
-            for (const double turn : { 0.0, 180.0 }) {
-                const QTransform toFrame = layCard(card, kCardFill, turn);
-                if (showsFace(picture, toFrame))
-                    return { toFrame, true };
-            }
+            if (const auto toFrame = layUpright(picture, card, kCardFill))
+                return { *toFrame, true };
         }
+        if (const auto toFrame = layUpright(picture, edges, kEdgeToEdgeFill))
+            return { *toFrame, false };
     }
     if (!cards.empty())
         return { layCard(cards.front(), kCardFill, 0), true };
-    const bool upsideDown = front && !showsFace(picture, layCard(edges, kEdgeToEdgeFill, 0))
-        && showsFace(picture, layCard(edges, kEdgeToEdgeFill, 180));
-    return { layCard(edges, kEdgeToEdgeFill, upsideDown ? 180 : 0), false };
+    return { layCard(edges, kEdgeToEdgeFill, 0), false };
+}
+
+std::optional<QTransform> PictureFitter::layUpright(const QImage& picture, const QPolygonF& card, double fill) const
+{
+    for (const double turn : { 0.0, 180.0 }) {
+        const QTransform toFrame = layCard(card, fill, turn);
+        if (showsFace(picture, toFrame))
+            return toFrame;
+    }
+    return std::nullopt;
 }
 
 std::vector<QPolygonF> PictureFitter::findCards(const QImage& picture) const

@@ -8,6 +8,7 @@
 #include <QImage>
 #include <QTransform>
 
+#include <optional>
 #include <vector>
 
 namespace kelvara::demo {
@@ -37,6 +38,8 @@ private:
     /// What looks like a card in parts of the picture, the largest first.
     [[nodiscard]] std::vector<QPolygonF> findCards(const QImage& picture) const;
     [[nodiscard]] QTransform layCard(const QPolygonF& corners, double fill, double turn) const;
+    /// The same, turned so that a face is seen; absent if none is either way.
+    [[nodiscard]] std::optional<QTransform> layUpright(const QImage& picture, const QPolygonF& card, double fill) const;
     [[nodiscard]] bool showsFace(const QImage& picture, const QTransform& toFrame) const;
     [[nodiscard]] PictureFit fitCard(const QImage& picture, bool front) const;
     [[nodiscard]] PictureFit fitFace(const QImage& picture) const;
