@@ -2,8 +2,7 @@
 
 #include "Platform/Vision/VisionDetectors.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Finds one card that lies roughly upright in the image and fills at least half of it, by its four sides: coarse
 /// lines on quarter-size planes, the best quadrilateral of them, then each side fitted to sub-pixel edges. Corners are

@@ -57,6 +57,9 @@ void reduce(FaceModel& model)
         const cv::Mat exact(cells, stride, CV_32F, model.filters[filter].data());
         const cv::Mat coarse = exact * main.t();
         coarse.copyTo(cv::Mat(coarse.size(), CV_32F, model.coarseFilters[filter].data()));
+        for (std::size_t i = 0; i < model.generalFilter.size(); ++i)
+            model.generalFilter[i] += model.coarseFilters[filter][i] / FaceModel::filterCount;
+        model.generalThreshold += model.thresholds[filter] / FaceModel::filterCount;
     }
 }
 

@@ -26,6 +26,9 @@ struct FaceModel
     std::array<float, coarseChannels * FaceFeatures::stride> projection {};
     /// The filters' parts along those directions: to be applied to projected features.
     Filters<coarseChannels> coarseFilters {};
+    /// The mean of the coarse filters and of the thresholds: any face, roughly.
+    std::array<float, side * side * coarseChannels> generalFilter {};
+    float generalThreshold = 0;
 
     /// The process's only one, made from the library's resources at the first call (well under a millisecond).
     [[nodiscard]] static const FaceModel& shared();

@@ -19,8 +19,8 @@ namespace {
 constexpr double searchedArea = 640 * 448;
 /// Enlarging more than this adds nothing but time.
 constexpr double largestEnlargement = 2;
-/// Decides between a face and none.
-constexpr float minimumScore = 0.15F;
+/// Decides between a face and none: the model's own balance point. See Docs/accuracy-faces.md.
+constexpr float minimumScore = 0.0F;
 /// The model's boxes begin at the eyebrows; a face begins at the forehead. Part of the box's height.
 constexpr float forehead = 0.12F;
 

@@ -2,8 +2,7 @@
 
 #include "Platform/Vision/VNRequest.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Finds upright faces, in the detector's order.
 class VNDetectFaceRectanglesRequest final : public VNRequest

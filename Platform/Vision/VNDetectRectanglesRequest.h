@@ -2,11 +2,11 @@
 
 #include "Platform/Vision/VNRequest.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Limits of a rectangle search.
-struct RectangleLimits {
+struct RectangleLimits
+{
     /// Long side over short side of the quadrilateral (means of opposite sides); outside the limits nothing is found.
     float minimumAspectRatio = 0.5F;
     float maximumAspectRatio = 1.0F;

@@ -2,8 +2,7 @@
 
 #include "Platform/Vision/VNRequest.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Finds lines of text as bands. Ends with `VNError::Kind::NoDetector` where the services have no text detector.
 class VNDetectTextRectanglesRequest final : public VNRequest

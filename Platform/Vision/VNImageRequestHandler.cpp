@@ -9,11 +9,9 @@
 #include <thread>
 #include <vector>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 /// The one helping thread of all analyses in the process. It only ever helps: whoever performs does by itself what
 /// the helper has not begun, so two views at a time do not wait for each other.
@@ -31,12 +29,8 @@ class Batch
 public:
     Batch(std::span<const std::shared_ptr<VNRequest>> requests, const VisionImage& image,
         const VisionDetectors& detectors)
-        : m_requests(requests)
-        , m_image(image)
-        , m_detectors(detectors)
-        , m_errors(requests.size())
-    {
-    }
+        : m_requests(requests), m_image(image), m_detectors(detectors), m_errors(requests.size())
+    { }
 
     /// Searches until no request is left to begin.
     void work()
@@ -72,7 +66,8 @@ private:
 
 } // namespace
 
-struct VNImageRequestHandler::State {
+struct VNImageRequestHandler::State
+{
     std::optional<VisionImage> image;
     std::shared_ptr<const VisionDetectors> detectors;
 };

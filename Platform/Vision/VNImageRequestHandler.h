@@ -9,8 +9,7 @@
 #include <memory>
 #include <span>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// Performs analysis requests on one bitmap. The detectors share the image's downscaled planes, which are computed
 /// once. The requests of one `perform` may be searched side by side on several cores; completions are called on the

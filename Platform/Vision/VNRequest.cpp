@@ -8,14 +8,12 @@
 
 #include <exception>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 /// Runs one detector, whoever wrote it, so that nothing of its failure but an error leaves the request.
-template <typename Detector, typename Search>
+template<typename Detector, typename Search>
 std::optional<VNError> search(VNRequest::Results& results, const VisionImage& image,
     const std::shared_ptr<const Detector>& detector, const Search& run)
 {

@@ -10,14 +10,14 @@
 #include <variant>
 #include <vector>
 
-namespace kelvara
-{
+namespace kelvara {
 
 class VisionDetectors;
 class VisionImage;
 
 /// Why a request yielded nothing.
-struct VNError {
+struct VNError
+{
     enum class Kind {
         NoDetector, ///< The services in use have no detector for the request.
         InvalidImage, ///< The image has no pixels.
@@ -36,17 +36,14 @@ public:
         std::vector<VNFaceObservation>>;
     using CompletionHandler = std::function<void(const VNRequest& request, const std::optional<VNError>& error)>;
 
-    explicit VNRequest(CompletionHandler completionHandler = {})
-        : m_completion(std::move(completionHandler))
-    {
-    }
+    explicit VNRequest(CompletionHandler completionHandler = {}) : m_completion(std::move(completionHandler)) { }
     virtual ~VNRequest() = default;
 
     /// What the last performance found: `std::monostate` after an error, a (maybe empty) list otherwise.
     [[nodiscard]] const Results& results() const { return m_results; }
 
     /// The results as a list of one kind of observation; null when they are of another kind or there are none.
-    template <typename Observation> [[nodiscard]] const std::vector<Observation>* resultsAs() const
+    template<typename Observation> [[nodiscard]] const std::vector<Observation>* resultsAs() const
     {
         return std::get_if<std::vector<Observation>>(&m_results);
     }

@@ -3,8 +3,7 @@
 #include "Platform/Vision/CardRectangleDetector.h"
 #include "Platform/Vision/NativeFaceDetector.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
 std::shared_ptr<const VisionDetectors> VisionDetectors::native()
 {

@@ -5,8 +5,7 @@
 #include <memory>
 #include <vector>
 
-namespace kelvara
-{
+namespace kelvara {
 
 struct RectangleLimits;
 class VisionImage;

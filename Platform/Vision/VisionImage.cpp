@@ -2,13 +2,9 @@
 
 #include "Platform/Vision/VisionPlanes.h"
 
-namespace kelvara
-{
+namespace kelvara {
 
-VisionImage::VisionImage(QImage upright)
-    : d(std::make_unique<Planes>(std::move(upright)))
-{
-}
+VisionImage::VisionImage(QImage upright) : d(std::make_unique<Planes>(std::move(upright))) { }
 
 VisionImage::~VisionImage() = default;
 

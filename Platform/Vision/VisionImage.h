@@ -5,8 +5,7 @@
 
 #include <memory>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// The analysed bitmap with the planes that several detectors need, each computed once, by whoever asks first. Any
 /// thread. (The planes are OpenCV matrices and declared in `VisionPlanes.h`, for detectors only.)

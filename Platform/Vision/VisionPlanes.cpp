@@ -4,11 +4,9 @@
 
 #include <opencv2/imgproc.hpp>
 
-namespace kelvara
-{
+namespace kelvara {
 
-namespace
-{
+namespace {
 
 QImage inBgraOrder(const QImage& image)
 {
@@ -34,11 +32,7 @@ cv::Mat halved(const cv::Mat& above)
 
 } // namespace
 
-VisionImage::Planes::Planes(QImage upright)
-    : bitmap(std::move(upright))
-    , m_bytes(inBgraOrder(bitmap))
-{
-}
+VisionImage::Planes::Planes(QImage upright) : bitmap(std::move(upright)), m_bytes(inBgraOrder(bitmap)) { }
 
 const cv::Mat& VisionImage::Planes::bgra(int level)
 {

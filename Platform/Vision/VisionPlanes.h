@@ -7,8 +7,7 @@
 #include <array>
 #include <mutex>
 
-namespace kelvara
-{
+namespace kelvara {
 
 /// The planes of one analysed bitmap: a colour and a luma pyramid of four levels (full, 1/2, 1/4, 1/8). Internal:
 /// for detectors only.
@@ -16,7 +15,8 @@ namespace kelvara
 /// Every level halves the one above it by means of 2 × 2 pixels and drops an odd last row or column. So the centre of
 /// a pixel (x, y) of level n lies at (x + ½)·2ⁿ − ½ of the full image, exactly. Matrices are read-only and live as
 /// long as the image; any thread.
-struct VisionImage::Planes {
+struct VisionImage::Planes
+{
     static constexpr int levels = 4;
 
     explicit Planes(QImage upright);
@@ -31,7 +31,8 @@ struct VisionImage::Planes {
     const QImage bitmap; ///< As given.
 
 private:
-    struct Plane {
+    struct Plane
+    {
         std::once_flag once;
         cv::Mat pixels;
     };
