@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 // A static library's resources are only there once they were named outside of any namespace.
 static void registerKelvaraResources()
@@ -72,10 +73,10 @@ QSizeF ImageCatalog::naturalSize(const QString& name)
 
 QImage ImageCatalog::render(const QString& name, const QSize& pixels)
 {
-    static QCache<QPair<QString, quint64>, QImage> kept(kKeptBytes);
+    static QCache<std::pair<QString, quint64>, QImage> kept(kKeptBytes);
     if (pixels.isEmpty() || pixels.width() > kLargestSide || pixels.height() > kLargestSide)
         return {};
-    const QPair key(name, (quint64(pixels.width()) << 32) | quint64(pixels.height()));
+    const std::pair key(name, (quint64(pixels.width()) << 32) | quint64(pixels.height()));
     if (const QImage* known = kept.object(key))
         return *known;
     QSvgRenderer* svg = drawing(name);

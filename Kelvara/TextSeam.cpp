@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
 namespace kelvara {
@@ -15,25 +16,27 @@ constexpr double kWidening = 0.6;
 constexpr double kSoftness = 0.6;
 constexpr double kGain = 1.95;
 
+using Place = std::ptrdiff_t;
+
 /// The largest of `2 · reach + 1` values of a line around each place.
-void widenLine(const float* in, float* out, int count, int stride, int reach)
+void widenLine(const float* in, float* out, Place count, Place stride, Place reach)
 {
-    for (int i = 0; i < count; ++i) {
+    for (Place i = 0; i < count; ++i) {
         float largest = 0;
-        for (int near = std::max(0, i - reach); near <= std::min(count - 1, i + reach); ++near)
+        for (Place near = std::max<Place>(0, i - reach); near <= std::min(count - 1, i + reach); ++near)
             largest = std::max(largest, in[near * stride]);
         out[i * stride] = largest;
     }
 }
 
 /// The mean of `2 · reach + 1` values of a line around each place; what lies outside counts as 0.
-void blurLine(const float* in, float* out, int count, int stride, int reach)
+void blurLine(const float* in, float* out, Place count, Place stride, Place reach)
 {
     const float share = 1.0F / static_cast<float>(2 * reach + 1);
     float sum = 0;
-    for (int i = 0; i < std::min(reach, count); ++i)
+    for (Place i = 0; i < std::min(reach, count); ++i)
         sum += in[i * stride];
-    for (int i = 0; i < count; ++i) {
+    for (Place i = 0; i < count; ++i) {
         if (i + reach < count)
             sum += in[(i + reach) * stride];
         out[i * stride] = sum * share;
@@ -42,16 +45,16 @@ void blurLine(const float* in, float* out, int count, int stride, int reach)
     }
 }
 
-using LineFilter = void (*)(const float*, float*, int, int, int);
+using LineFilter = void (*)(const float*, float*, Place, Place, Place);
 
 /// Filters the rows, then the columns.
 void filter(std::vector<float>& values, const QSize& size, int reach, LineFilter lineFilter)
 {
     std::vector<float> rows(values.size());
-    const int width = size.width();
-    for (int y = 0; y < size.height(); ++y)
-        lineFilter(&values[std::size_t(y) * width], &rows[std::size_t(y) * width], width, 1, reach);
-    for (int x = 0; x < width; ++x)
+    const Place width = size.width();
+    for (Place y = 0; y < size.height(); ++y)
+        lineFilter(&values[y * width], &rows[y * width], width, 1, reach);
+    for (Place x = 0; x < width; ++x)
         lineFilter(&rows[x], &values[x], size.height(), width, reach);
 }
 
