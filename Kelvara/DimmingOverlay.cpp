@@ -4,6 +4,7 @@
 
 #include <QPaintEvent>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -14,24 +15,25 @@ namespace {
 
 constexpr double kDimAlpha = 0.45;
 constexpr double kBorderWidth = 8.0;
-
-/// The whole pixels that lie inside.
-QRect insideAligned(const QRectF& rect)
-{
-    const QPoint topLeft(static_cast<int>(std::ceil(rect.left())), static_cast<int>(std::ceil(rect.top())));
-    const QPoint end(static_cast<int>(std::floor(rect.right())), static_cast<int>(std::floor(rect.bottom())));
-    return { topLeft, QPoint(end.x() - 1, end.y() - 1) };
-}
+/// Of the strips in which the frame is sorted: lower ones follow its outline closer but cost more calls.
+constexpr int kStripHeight = 32;
 
 /// What lies around `hole` in `area`: above, below, left and right. The hole must lie inside.
 std::array<QRect, 4> around(const QRect& area, const QRect& hole)
 {
-    if (hole.isEmpty())
-        return { area, QRect(), QRect(), QRect() };
     return { QRect(area.topLeft(), QPoint(area.right(), hole.top() - 1)),
         QRect(QPoint(area.left(), hole.bottom() + 1), area.bottomRight()),
         QRect(QPoint(area.left(), hole.top()), QPoint(hole.left() - 1, hole.bottom())),
         QRect(QPoint(hole.right() + 1, hole.top()), QPoint(area.right(), hole.bottom())) };
+}
+
+enum class Filling { Clear, Dim, Mixed };
+
+Filling fillingOf(QRgb pixel, QRgb dim)
+{
+    if (qAlpha(pixel) == 0)
+        return Filling::Clear;
+    return pixel == dim ? Filling::Dim : Filling::Mixed;
 }
 
 } // namespace
@@ -59,7 +61,7 @@ void DimmingOverlay::removeSublayers()
     m_mask.reset();
 }
 
-void DimmingOverlay::install(const QPainterPath& outline, const QRectF& clear, const QColor& fill)
+void DimmingOverlay::install(const QPainterPath& outline, const QColor& fill)
 {
     QPainterPath visible = outline;
     visible.addRect(rect());
@@ -74,7 +76,6 @@ void DimmingOverlay::install(const QPainterPath& outline, const QRectF& clear, c
     border->setLineWidth(kBorderWidth);
     m_sublayers.push_back(std::move(border));
 
-    m_clear = clear;
     m_drawnSize = size();
     forgetFrame();
     Q_EMIT drawn();
@@ -108,25 +109,57 @@ void DimmingOverlay::drawIfResized()
 QImage DimmingOverlay::composed(const QTransform& toPixels, const QRect& pixels) const
 {
     const QTransform toImage = toPixels * QTransform::fromTranslate(-pixels.left(), -pixels.top());
-    QImage visible(pixels.size(), QImage::Format_ARGB32_Premultiplied);
-    visible.fill(Qt::transparent);
-    QImage image(visible.size(), visible.format());
-    image.fill(backgroundColor());
-    for (auto [target, layers] : { std::pair(&visible, false), std::pair(&image, true) }) {
-        QPainter painter(target);
+    const auto prepare = [&toImage](QPainter& painter) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setTransform(toImage);
-        if (!layers) {
-            m_mask->paint(painter);
-            continue;
-        }
-        for (const auto& layer : m_sublayers)
-            layer->paint(painter);
-        painter.resetTransform();
-        painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-        painter.drawImage(0, 0, visible);
+    };
+    QImage visible(pixels.size(), QImage::Format_ARGB32_Premultiplied);
+    visible.fill(Qt::transparent);
+    {
+        QPainter painter(&visible);
+        prepare(painter);
+        m_mask->paint(painter);
     }
+    QImage image(visible.size(), visible.format());
+    image.fill(backgroundColor());
+    QPainter painter(&image);
+    prepare(painter);
+    for (const auto& layer : m_sublayers)
+        layer->paint(painter);
+    painter.resetTransform();
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.drawImage(0, 0, visible);
     return image;
+}
+
+void DimmingOverlay::sortFrame()
+{
+    m_dimPieces.clear();
+    m_mixedPieces.clear();
+    const QRgb dim = qPremultiply(backgroundColor().rgba());
+    const int width = m_frame.width();
+    std::vector<Filling> columns(static_cast<std::size_t>(width));
+    for (int top = 0; top < m_frame.height(); top += kStripHeight) {
+        const int height = std::min(kStripHeight, m_frame.height() - top);
+        for (int y = top; y < top + height; ++y) {
+            const auto* line = reinterpret_cast<const QRgb*>(m_frame.constScanLine(y));
+            for (int x = 0; x < width; ++x) {
+                const Filling filling = fillingOf(line[x], dim);
+                if (y == top)
+                    columns[x] = filling;
+                else if (columns[x] != filling)
+                    columns[x] = Filling::Mixed;
+            }
+        }
+        for (int x = 0, start = 0; x < width; ++x) {
+            if (x + 1 < width && columns[x + 1] == columns[start])
+                continue;
+            if (columns[start] != Filling::Clear)
+                (columns[start] == Filling::Dim ? m_dimPieces : m_mixedPieces)
+                    .emplace_back(start, top, x + 1 - start, height);
+            start = x + 1;
+        }
+    }
 }
 
 void DimmingOverlay::paintEvent(QPaintEvent*)
@@ -155,19 +188,18 @@ void DimmingOverlay::paintEvent(QPaintEvent*)
         m_frameRect = toPixels.mapRect(bordered).toAlignedRect() & bounds;
         m_frame = composed(toPixels, m_frameRect);
         m_frameTransform = toPixels;
+        sortFrame();
     }
-    const QRect clear = insideAligned(toPixels.mapRect(m_clear)) & m_frameRect;
 
     painter.setWorldTransform(QTransform::fromTranslate(shift.x(), shift.y()) * device.inverted());
     const QColor dim = backgroundColor();
-    for (const QRect& part : around(bounds, m_frameRect)) {
-        if (!part.isEmpty())
-            painter.fillRect(part, dim);
-    }
-    for (const QRect& part : around(m_frameRect, clear)) {
-        if (!part.isEmpty())
-            painter.drawImage(part.topLeft(), m_frame, part.translated(-m_frameRect.topLeft()));
-    }
+    for (const QRect& part : around(bounds, m_frameRect))
+        painter.fillRect(part, dim);
+    painter.translate(m_frameRect.topLeft());
+    for (const QRect& piece : m_dimPieces)
+        painter.fillRect(piece, dim);
+    for (const QRect& piece : m_mixedPieces)
+        painter.drawImage(piece.topLeft(), m_frame, piece);
 }
 
 } // namespace kelvara

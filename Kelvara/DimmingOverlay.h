@@ -45,9 +45,9 @@ protected:
 
     /// Forgets the layers of the last drawing.
     void removeSublayers();
-    /// Takes a cut-out: `outline` is cleared from the dim and stroked; `clear` is a rectangle that lies wholly inside
-    /// it, clear of its rim, and is never painted; the border is filled (though that is masked away) with `fill`.
-    void install(const QPainterPath& outline, const QRectF& clear, const QColor& fill);
+    /// Takes a cut-out: `outline` is cleared from the dim and stroked; the border is filled with `fill`, which the mask
+    /// hides.
+    void install(const QPainterPath& outline, const QColor& fill);
 
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -56,18 +56,21 @@ protected:
 private:
     void drawIfResized();
     void forgetFrame();
+    void sortFrame();
     /// The given device pixels as they are to be composited: dim and border, seen through the mask.
     [[nodiscard]] QImage composed(const QTransform& toPixels, const QRect& pixels) const;
 
     std::unique_ptr<ShapeLayer> m_mask;
     std::vector<std::unique_ptr<ShapeLayer>> m_sublayers;
-    QRectF m_clear;
     QSize m_drawnSize;
 
-    // The border and its surroundings, rendered for one position on the pixel grid.
+    // The border and its surroundings, rendered for one position on the pixel grid, and sorted into pieces that are
+    // merely dim, pieces that need the image, and the rest, which is clear.
     QImage m_frame;
     QRect m_frameRect;
     QTransform m_frameTransform;
+    std::vector<QRect> m_dimPieces;
+    std::vector<QRect> m_mixedPieces;
 };
 
 } // namespace kelvara

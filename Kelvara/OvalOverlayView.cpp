@@ -2,8 +2,6 @@
 
 #include "Platform/Foundation/FatalError.h"
 
-#include <numbers>
-
 namespace kelvara {
 
 namespace {
@@ -37,9 +35,7 @@ void OvalOverlayView::drawOvalCutout()
         fatalError("The selfie's cut-out was drawn before it was computed.");
     QPainterPath outline;
     outline.addEllipse(*overlayFrame);
-    QRectF inscribed(QPointF(), kOval / std::numbers::sqrt2 - QSizeF(4, 4));
-    inscribed.moveCenter(overlayFrame->center());
-    install(outline, inscribed, Qt::transparent);
+    install(outline, Qt::transparent);
 }
 
 } // namespace kelvara

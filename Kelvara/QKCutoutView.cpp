@@ -49,7 +49,7 @@ void QKCutoutView::drawRectangleCutout()
         fatalError("The card's cut-out was drawn before it was computed.");
     QPainterPath outline;
     outline.addRoundedRect(*cutoutRect, kCornerRadius, kCornerRadius);
-    install(outline, cutoutRect->adjusted(kCornerRadius, kCornerRadius, -kCornerRadius, -kCornerRadius), Qt::black);
+    install(outline, Qt::black);
 }
 
 } // namespace kelvara
