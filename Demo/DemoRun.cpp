@@ -9,6 +9,7 @@
 
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace kelvara::demo {
@@ -21,6 +22,7 @@ constexpr QSize kFrame(1080, 1920);
 constexpr std::chrono::milliseconds kScriptedLimit { 60000 };
 constexpr int kWatchMilliseconds = 250;
 constexpr int kPatienceMilliseconds = 10000;
+constexpr int kFarewellMilliseconds = 3000; ///< For a person to read that all is done.
 
 void say(const QString& line)
 {
@@ -32,8 +34,8 @@ QJsonObject cameraResult(const FrameTap& camera)
 {
     return { { QStringLiteral("name"), camera.localizedName() }, { QStringLiteral("frames"), camera.frames() },
         { QStringLiteral("framesPerSecond"), camera.framesPerSecond() },
-        { QStringLiteral("width"), camera.frameSize().width() },
-        { QStringLiteral("height"), camera.frameSize().height() } };
+        { QStringLiteral("width"), std::max(0, camera.frameSize().width()) },
+        { QStringLiteral("height"), std::max(0, camera.frameSize().height()) } };
 }
 
 const QList<ViewType>& steps()
@@ -128,7 +130,8 @@ void DemoRun::runFlow()
     connect(m_person.get(), &ScriptedPerson::screenReached, this, [this](const QString& name) {
         m_screens.append({ name, m_host->screen() });
     });
-    connect(m_person.get(), &ScriptedPerson::finished, this, [stop] { stop(QString()); });
+    connect(m_person.get(), &ScriptedPerson::finished, this,
+        [this, stop] { QTimer::singleShot(m_byHand ? kFarewellMilliseconds : 0, this, [stop] { stop(QString()); }); });
     connect(m_host.get(), &DemoHost::closed, this,
         [stop] { stop(QStringLiteral("The view was closed before the flow was complete.")); });
     QTimer limit;
@@ -191,8 +194,10 @@ int DemoRun::report()
     if (!m_failure.isEmpty()) {
         m_screens.append({ QStringLiteral("given-up"), m_host->screen() });
         if (const auto subject = m_person->awaited())
-            m_failure
-                += QLatin1Char(' ') + whatIsMissing(*subject, activeCamera()->lastFrame(), m_host->size(), m_analysis);
+            m_failure += QLatin1Char(' ')
+                + (m_person->unreadyMilliseconds() == 0
+                        ? QStringLiteral("The shutter was ready to be pressed.")
+                        : whatIsMissing(*subject, activeCamera()->lastFrame(), m_host->size(), m_analysis));
     }
     QJsonArray screens;
     for (const Screen& screen : std::as_const(m_screens))

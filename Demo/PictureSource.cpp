@@ -62,9 +62,16 @@ std::optional<QString> PictureSource::open()
     }
     if (latest().isNull())
         return QStringLiteral("\"%1\" does not show a single picture.").arg(m_path);
-    if (!m_moves)
+    if (m_moves)
+        setPlaying(false);
+    else
         m_player->stop();
     return std::nullopt;
+}
+
+void PictureSource::setPlaying(bool playing)
+{
+    m_player->setStalled(!playing);
 }
 
 QImage PictureSource::latest() const

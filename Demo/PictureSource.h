@@ -22,6 +22,8 @@ public:
 
     /// False when one picture is shown for ever: then `latest` never changes.
     [[nodiscard]] bool moves() const { return m_moves; }
+    /// Only what is shown needs to run on; opened, a source stands still.
+    void setPlaying(bool playing);
     /// The picture of this moment. Any thread.
     [[nodiscard]] QImage latest() const;
 

@@ -98,6 +98,10 @@ MovieClip ReplayStage::fitted(Subject subject) const
 
 void ReplayStage::present(Subject subject)
 {
+    for (const Subject each : kSubjects) {
+        if (m_sources[slot(each)])
+            m_sources[slot(each)]->setPlaying(each == subject);
+    }
     CardMovie& movie = subject == Subject::Selfie ? *m_roomMovie : *m_tableMovie;
     movie.show(m_clips[slot(subject)],
         subject == Subject::CardBack ? CardMovie::Arrival::TurnsOver : CardMovie::Arrival::Comes);

@@ -20,11 +20,12 @@ bool choosePlatform()
 
 QtMessageHandler usual = nullptr;
 
-/// Leaves out what Qt says on every machine without a display, where nothing is amiss.
+/// Leaves out what Qt says on every machine without a display or sound, where nothing is amiss.
 void quieten(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     const bool idle = message == QLatin1String("This plugin does not support propagateSizeHints()")
-        || message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set"));
+        || message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set"))
+        || message.startsWith(QLatin1String("PulseAudioService:"));
     if (!idle)
         usual(type, context, message);
 }

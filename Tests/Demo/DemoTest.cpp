@@ -80,7 +80,7 @@ QImage delivered(const QDir& folder, int call, int picture)
     return image;
 }
 
-TEST(Demo, CompletesTheFlowAndLeavesProof)
+TEST(Flow, CompletesAndLeavesProof)
 {
     const QTemporaryDir out;
     const QDir folder(out.path());
@@ -123,7 +123,7 @@ TEST(Demo, CompletesTheFlowAndLeavesProof)
                 text("nfc-required"), text("no-steps"), text("nfc-step-without-nfc"), text("waiting-for-the-call") }));
 }
 
-TEST(Demo, TakesAPhonesPhotographOnItsSide)
+TEST(Flow, TakesAPhonesPhotographOnItsSide)
 {
     const QTemporaryDir place;
     const auto data = specimen::SpecimenData::fromSeed(3);
@@ -144,7 +144,7 @@ TEST(Demo, TakesAPhonesPhotographOnItsSide)
     EXPECT_GT(likeness(delivered(folder, 0, 1), specimen::printFront(data)), 0.8);
 }
 
-TEST(Demo, SaysWhatIsMissingWhenItGivesUp)
+TEST(Flow, SaysWhatIsMissingWhenItGivesUp)
 {
     const QTemporaryDir place;
     QImage blank(900, 600, QImage::Format_RGB32);
