@@ -36,14 +36,15 @@ public:
     [[nodiscard]] bool start(AVCaptureFrameSink sink) override;
     void stop() override;
 
-    /// Told by the provider when cameras come and go.
+    // Told by the provider when cameras come and go.
+    void setUniqueID(const QString& id) { m_id = id.toUtf8(); }
     void setPlugged(bool plugged);
 
 private:
     void fail();
     void change(bool plugged, bool failed);
 
-    const QByteArray m_id;
+    QByteArray m_id;
     const QString m_name;
     const AVCaptureDevicePosition m_position;
     std::optional<LedTorch> m_torch;

@@ -1,6 +1,7 @@
 #include "Platform/Capture/QtCameraProvider.h"
 
 #include "Platform/Capture/CameraChoice.h"
+#include "Platform/Capture/CameraList.h"
 #include "Platform/Capture/QtCamera.h"
 
 #include <QCameraDevice>
@@ -28,10 +29,12 @@ AVCaptureDevicePosition positionOf(const QCameraDevice& camera)
 
 std::vector<CameraDescription> pluggedCameras()
 {
-    std::vector<CameraDescription> cameras;
+    // One for the process, as is the list that it corrects.
+    static CameraList list;
+    std::vector<CameraDescription> told;
     for (const QCameraDevice& camera : QMediaDevices::videoInputs())
-        cameras.push_back({ QString::fromUtf8(camera.id()), camera.description(), positionOf(camera) });
-    return cameras;
+        told.push_back({ QString::fromUtf8(camera.id()), camera.description(), positionOf(camera) });
+    return list.update(told);
 }
 
 } // namespace
@@ -50,7 +53,9 @@ struct QtCameraProvider::State
         if (devices)
             return;
         devices = std::make_unique<QMediaDevices>();
-        QObject::connect(devices.get(), &QMediaDevices::videoInputsChanged, devices.get(), [this] { tell(); });
+        // Queued: the signal may come from within the making of the back end, which must not be asked again then.
+        QObject::connect(
+            devices.get(), &QMediaDevices::videoInputsChanged, devices.get(), [this] { tell(); }, Qt::QueuedConnection);
     }
 
     void tell()
@@ -59,8 +64,28 @@ struct QtCameraProvider::State
         // A copy: whoever hears of it may ask for another camera.
         const auto told = handedOut;
         for (const auto& camera : told)
-            camera->setPlugged(std::any_of(cameras.begin(), cameras.end(),
-                [&](const CameraDescription& plugged) { return plugged.id == camera->uniqueID(); }));
+            camera->setPlugged(find(*camera, cameras));
+    }
+
+    /// Whether the camera is plugged in. Some back ends number a camera anew each time it is plugged in: one that
+    /// comes back is known by its name.
+    bool find(QtCamera& camera, const std::vector<CameraDescription>& cameras) const
+    {
+        const auto hasId
+            = [](const QString& id) { return [&id](const CameraDescription& plugged) { return plugged.id == id; }; };
+        if (std::any_of(cameras.begin(), cameras.end(), hasId(camera.uniqueID())))
+            return true;
+        const auto isItBack = [&](const CameraDescription& plugged) {
+            return plugged.name == camera.localizedName()
+                && std::none_of(handedOut.begin(), handedOut.end(), [&](const std::shared_ptr<QtCamera>& other) {
+                       return other->uniqueID() == plugged.id && other->position() == camera.position();
+                   });
+        };
+        const auto back = std::find_if(cameras.begin(), cameras.end(), isItBack);
+        if (back == cameras.end())
+            return false;
+        camera.setUniqueID(back->id);
+        return true;
     }
 
     std::shared_ptr<AVCaptureDevice> device(AVCaptureDevicePosition position)

@@ -29,8 +29,10 @@ QtCameraStream::QtCameraStream(const QCameraDevice& device) : m_mill(std::make_s
         &m_sink, &QVideoSink::videoFrameChanged, this,
         [mill = m_mill](const QVideoFrame& frame) { mill->offer(frame); }, Qt::DirectConnection);
     connect(&m_camera, &QCamera::errorOccurred, this, &QtCameraStream::failed);
-    m_session.setCamera(&m_camera);
+    // In this order: with the sink joined to a camera that is there already, about every third start of the GStreamer
+    // back end delivers nothing.
     m_session.setVideoSink(&m_sink);
+    m_session.setCamera(&m_camera);
 }
 
 QtCameraStream::~QtCameraStream()

@@ -1,4 +1,5 @@
 #include "Platform/Capture/CameraChoice.h"
+#include "Platform/Capture/CameraList.h"
 #include "Platform/Capture/QtCameraProvider.h"
 
 #include "Platform/Capture/AVCaptureDevice.h"
@@ -56,6 +57,33 @@ INSTANTIATE_TEST_SUITE_P(Rows, CameraChoice,
         Row { "OneForBothByName", { kUnknown, kUnknown }, { QStringLiteral("1"), QStringLiteral("1") }, 1, 1 },
         Row { "AbsentNameIsNotReplaced", { kUnknown, kUnknown }, { QStringLiteral("other"), {} }, -1, 1 }),
     [](const auto& row) { return row.param.name; });
+
+TEST(CameraList, TellsEachCameraOnce)
+{
+    CameraList list;
+    const auto told = [&](std::initializer_list<const char*> cameras) {
+        std::vector<CameraDescription> descriptions;
+        for (const char* camera : cameras) { // "<id><name>"
+            const QString text = QString::fromLatin1(camera);
+            descriptions.push_back({ text.left(1), text.mid(1) });
+        }
+        QString ids;
+        for (const CameraDescription& camera : list.update(descriptions))
+            ids += camera.id;
+        return ids.toStdString();
+    };
+    EXPECT_EQ(told({ "0A", "1B" }), "01");
+    EXPECT_EQ(told({ "0A", "1B", "2A", "3B" }), "01") << "met twice";
+    EXPECT_EQ(told({ "0A", "2A", "3B" }), "0") << "B is unplugged, whatever is left of it";
+    EXPECT_EQ(told({ "0A", "2A", "3B", "4B" }), "04");
+    EXPECT_EQ(told({ "3B", "4B" }), "4");
+    EXPECT_EQ(told({ "3B" }), "");
+
+    list = CameraList();
+    EXPECT_EQ(told({ "0A", "1B", "2A", "3C" }), "0123");
+    EXPECT_EQ(told({ "0A", "5A" }), "05") << "another of the same make";
+    EXPECT_EQ(told({ "xA", "yA" }), "xy") << "not numbered";
+}
 
 TEST(QtCameraProvider, AnswersWithoutCameras)
 {

@@ -29,6 +29,12 @@ struct Row
     QRectF sensor;
 };
 
+void PrintTo(const Row& row, std::ostream* out)
+{
+    *out << "gravity " << static_cast<int>(row.gravity) << " rotation " << row.rotation
+         << (row.mirrored ? " mirrored " : " ") << row.shown.width() << "x" << row.shown.height();
+}
+
 constexpr auto kFill = AVLayerVideoGravity::ResizeAspectFill;
 
 class Mapping : public testing::TestWithParam<Row>
@@ -107,6 +113,11 @@ struct Shown
     const char* quarters; ///< Within the layer.
     bool bars; ///< The middle of the layer's upper edge stays unpainted.
 };
+
+void PrintTo(const Shown& shown, std::ostream* out)
+{
+    *out << "position " << static_cast<int>(shown.position) << " gravity " << static_cast<int>(shown.gravity);
+}
 
 class PreviewPaint : public testing::TestWithParam<Shown>
 { };

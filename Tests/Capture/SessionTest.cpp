@@ -290,6 +290,12 @@ struct Turn
     bool upended;
 };
 
+void PrintTo(const Turn& turn, std::ostream* out)
+{
+    *out << "sensor " << turn.sensorRotation << " orientation " << static_cast<int>(turn.orientation)
+         << (turn.mirrored ? " mirrored" : "");
+}
+
 class Turning : public testing::TestWithParam<Turn>
 { };
 
