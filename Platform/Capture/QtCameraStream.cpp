@@ -66,17 +66,24 @@ std::shared_ptr<QtCameraStream> QtCameraStream::open(const QByteArray& id)
 void QtCameraStream::park(std::shared_ptr<QtCameraStream> stream)
 {
     stream->deliverToNobody();
-    if (!QCoreApplication::instance() || QCoreApplication::closingDown())
+    static QPointer<QCoreApplication> watched;
+    static bool quitting = false;
+    QCoreApplication* const application = QCoreApplication::instance();
+    if (application && watched != application) {
+        // An application that ends closes the camera before it is gone.
+        watched = application;
+        quitting = false;
+        const auto quit = [] {
+            quitting = true;
+            parked() = nullptr;
+        };
+        connect(application, &QCoreApplication::aboutToQuit, application, quit);
+        qAddPostRoutine(quit);
+    }
+    if (!application || quitting)
         return;
     parked() = std::move(stream);
-    // The application object as context: an application that ends closes the camera before it is gone.
-    static QPointer<QCoreApplication> watched;
-    if (watched != QCoreApplication::instance()) {
-        watched = QCoreApplication::instance();
-        connect(watched, &QCoreApplication::aboutToQuit, watched, [] { parked() = nullptr; });
-        connect(watched, &QObject::destroyed, [] { parked() = nullptr; });
-    }
-    QTimer::singleShot(0, watched, [] { parked() = nullptr; });
+    QTimer::singleShot(0, application, [] { parked() = nullptr; });
 }
 
 void QtCameraStream::deliverTo(AVCaptureFrameSink sink)

@@ -39,8 +39,8 @@ public:
     [[nodiscard]] static ReplaySource path(const QString& path);
     [[nodiscard]] static ReplaySource generator(ReplayGenerator generator);
 
-    /// A sentence that says why the source cannot be used; absent when it can. Files are opened for it (a still is
-    /// decoded and kept). Any thread.
+    /// A sentence that says why the source cannot be used; absent when it can. Files are opened for it, once. Any
+    /// thread.
     [[nodiscard]] std::optional<QString> problem() const;
 
     struct Data;

@@ -137,7 +137,7 @@ void ReplayProducer::run(const AVCaptureFrameSink& sink)
             }
         }
         if (paced) {
-            // The next moment on the grid that has not gone by: no drift, and no catching up either.
+            // The grid's next moment, or the latest one gone by: no drift, and no catching up either.
             const auto elapsed = std::chrono::duration_cast<microseconds>(Clock::now() - start);
             pass.now += period * std::max<std::int64_t>(1, (elapsed - pass.now) / period);
         }

@@ -5,6 +5,7 @@
 #include <opencv2/imgproc.hpp>
 #include <opencv2/videoio.hpp>
 
+#include <mutex>
 #include <utility>
 
 namespace kelvara {
@@ -57,13 +58,16 @@ struct VideoSource final : ReplaySource::Data
 
     std::optional<QString> problem() const override
     {
-        if (auto trouble = replayFileProblem(path))
-            return trouble;
-        auto capture = openVideo(path);
-        cv::Mat frame;
-        if (!capture || nextFrame(*capture, frame).isNull())
-            return QStringLiteral("\"%1\" cannot be read as a picture or a video.").arg(path);
-        return std::nullopt;
+        // Asked at every start, on the main thread; opening takes tens of milliseconds.
+        std::call_once(m_asked, [this] {
+            if ((m_problem = replayFileProblem(path)))
+                return;
+            auto capture = openVideo(path);
+            cv::Mat frame;
+            if (!capture || nextFrame(*capture, frame).isNull())
+                m_problem = QStringLiteral("\"%1\" cannot be read as a picture or a video.").arg(path);
+        });
+        return m_problem;
     }
 
     std::unique_ptr<ReplayReader> open() const override
@@ -73,6 +77,10 @@ struct VideoSource final : ReplaySource::Data
     }
 
     const QString path;
+
+private:
+    mutable std::once_flag m_asked;
+    mutable std::optional<QString> m_problem;
 };
 
 } // namespace
