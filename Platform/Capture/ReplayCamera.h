@@ -28,6 +28,9 @@ using ReplayGenerator = std::function<QImage(std::int64_t index, std::chrono::mi
 class ReplaySource
 {
 public:
+    /// No source; it has a problem.
+    ReplaySource() = default;
+
     /// One picture, shown for ever. Exif orientation is honoured.
     [[nodiscard]] static ReplaySource still(const QString& path);
     [[nodiscard]] static ReplaySource still(const QImage& image);
@@ -47,6 +50,7 @@ public:
     [[nodiscard]] const std::shared_ptr<const Data>& data() const { return m_data; }
 
 private:
+    explicit ReplaySource(std::shared_ptr<const Data> data) : m_data(std::move(data)) { }
     std::shared_ptr<const Data> m_data;
 };
 

@@ -49,30 +49,22 @@ std::optional<QString> replayFileProblem(const QString& path)
 
 ReplaySource ReplaySource::still(const QString& path)
 {
-    ReplaySource source;
-    source.m_data = makeStillSource(path);
-    return source;
+    return ReplaySource(makeStillSource(path));
 }
 
 ReplaySource ReplaySource::still(const QImage& image)
 {
-    ReplaySource source;
-    source.m_data = makeStillSource(image);
-    return source;
+    return ReplaySource(makeStillSource(image));
 }
 
 ReplaySource ReplaySource::folder(const QString& path)
 {
-    ReplaySource source;
-    source.m_data = makeFolderSource(path);
-    return source;
+    return ReplaySource(makeFolderSource(path));
 }
 
 ReplaySource ReplaySource::video(const QString& path)
 {
-    ReplaySource source;
-    source.m_data = makeVideoSource(path);
-    return source;
+    return ReplaySource(makeVideoSource(path));
 }
 
 ReplaySource ReplaySource::path(const QString& path)
@@ -88,9 +80,7 @@ ReplaySource ReplaySource::path(const QString& path)
 
 ReplaySource ReplaySource::generator(ReplayGenerator generator)
 {
-    ReplaySource source;
-    source.m_data = std::make_shared<GeneratorSource>(std::move(generator));
-    return source;
+    return ReplaySource(std::make_shared<GeneratorSource>(std::move(generator)));
 }
 
 std::optional<QString> ReplaySource::problem() const
