@@ -41,12 +41,13 @@ void gradients(const uchar* above, const uchar* row, const uchar* below, float* 
     cv::v_store(magnitudes, cv::v_sqrt(cv::v_cvt_f32(low + lowY)));
     cv::v_store(magnitudes + pixels / 2, cv::v_sqrt(cv::v_cvt_f32(high + highY)));
 
-    // The sector within the first quadrant by its bounding slopes at 10°, 30°, 50° and 70° (a true comparison is −1),
-    // then the quadrant. A gradient straight up or down lies between two bins and belongs to the lower.
+    // The sector within the first quadrant by its bounding slopes, the tangents of 10°, 30°, 50° and 70° (a true
+    // comparison is −1), then the quadrant. A gradient straight up or down lies between two bins and belongs to the
+    // lower.
     const Pixels w = cv::v_reinterpret_as_s16(cv::v_abs(dx));
     const Pixels h = cv::v_reinterpret_as_s16(cv::v_abs(dy));
-    const auto steeper = [&](int tangentY, int tangentX) { return h * constant(tangentX) > w * constant(tangentY); };
-    const Pixels sector = zero - steeper(22, 125) - steeper(64, 110) - steeper(97, 82) - steeper(119, 43);
+    const auto steeper = [&](int tangentY, int tangentX) { return h * constant(tangentX) >= w * constant(tangentY); };
+    const Pixels sector = zero - steeper(3, 17) - steeper(56, 97) - steeper(87, 73) - steeper(11, 4);
     const Pixels upward = dy < zero;
     const Pixels leftward = (dx < zero) | ((dx == zero) & upward);
     const Pixels upper = cv::v_select(leftward, constant(orientations) - sector, sector);

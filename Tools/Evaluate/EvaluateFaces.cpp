@@ -39,6 +39,7 @@ struct Tally
     std::vector<double> scores; ///< of the face where there is one, of the best false find elsewhere
     std::vector<double> overlaps;
     std::vector<double> milliseconds;
+    std::vector<std::uint32_t> mistaken; ///< seeds
 };
 
 double threadMilliseconds()
@@ -61,7 +62,8 @@ double overlap(const QRectF& a, const QRectF& b)
     return area / (a.width() * a.height() + b.width() * b.height() - area);
 }
 
-void judge(const FaceDetector& detector, const Scene& scene, Tally& tally)
+/// Whether the answer is right.
+bool judge(const FaceDetector& detector, const Scene& scene, Tally& tally)
 {
     const VisionImage image(scene.image);
     const double begin = threadMilliseconds();
@@ -72,7 +74,7 @@ void judge(const FaceDetector& detector, const Scene& scene, Tally& tally)
         tally.falseFinds += !faces.empty();
         if (!faces.empty())
             tally.scores.push_back(faceScore(faces.front()));
-        return;
+        return faces.empty();
     }
     ++tally.faces;
     for (std::size_t i = 0; i < faces.size(); ++i) {
@@ -84,8 +86,9 @@ void judge(const FaceDetector& detector, const Scene& scene, Tally& tally)
         ++(i == 0 ? tally.found : tally.foundLater);
         tally.scores.push_back(faceScore(faces[i]));
         tally.overlaps.push_back(common);
-        break;
+        return i == 0;
     }
+    return false;
 }
 
 double quantile(std::vector<double> values, double part)
@@ -109,6 +112,12 @@ void print(const std::string& name, const Tally& t)
             quantile(t.scores, 1));
     }
     std::printf("  %.1f ms\n", quantile(t.milliseconds, 0.5));
+    if (!t.mistaken.empty())
+        std::printf("    mistaken seeds:");
+    for (std::size_t i = 0; i < std::min<std::size_t>(t.mistaken.size(), 12); ++i)
+        std::printf(" %u", t.mistaken[i]);
+    if (!t.mistaken.empty())
+        std::printf(t.mistaken.size() > 12 ? " …\n" : "\n");
     std::fflush(stdout);
 }
 
@@ -157,7 +166,8 @@ int main(int argc, char** argv)
     for (const Class& one : classes) {
         Tally tally;
         for (std::uint32_t seed = first; seed < first + count; ++seed)
-            judge(*detector, photograph(SpecimenData::fromSeed(seed), one.options(seed)), tally);
+            if (!judge(*detector, photograph(SpecimenData::fromSeed(seed), one.options(seed)), tally))
+                tally.mistaken.push_back(seed);
         print(one.name, tally);
     }
     return 0;
