@@ -25,21 +25,25 @@ class Runner : public QObject
 public:
     void post(Entry entry)
     {
+        // Made before the lock and read under it: so the event, which Qt hands over, is ordered by a lock of our own.
+        auto* wake = new QEvent(QEvent::User);
         {
             const std::lock_guard lock(m_mutex);
             m_entries.push_back(std::move(entry));
         }
-        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+        QCoreApplication::postEvent(this, wake);
     }
 
 protected:
     bool event(QEvent* event) override
     {
-        if (event->type() != QEvent::User)
-            return QObject::event(event);
         Entry entry;
         {
-            const std::lock_guard lock(m_mutex);
+            std::unique_lock lock(m_mutex);
+            if (event->type() != QEvent::User) {
+                lock.unlock();
+                return QObject::event(event);
+            }
             if (m_entries.empty())
                 return true;
             entry = std::move(m_entries.front());
