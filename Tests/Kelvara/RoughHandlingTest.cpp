@@ -1,5 +1,6 @@
 #include "Tests/Support/KycHarness.h"
 
+#include <QFile>
 #include <gtest/gtest.h>
 
 namespace kelvara::test {
@@ -185,6 +186,38 @@ TEST(RoughHandling, TheFrameSizeMayChangeInMidStream)
     EXPECT_TRUE(stage.shoot());
     const int before = stage.device.eyes.told->performed;
     EXPECT_TRUE(spinUntil([&] { return stage.device.eyes.told->performed > before + 20; }));
+}
+
+/// Kilobytes of memory that are really in use.
+long residentKilobytes()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return 0;
+    return statm.readAll().split(' ').at(1).toLong() * 4;
+}
+
+TEST(RoughHandling, TenThousandFramesLeaveNothingBehind)
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "a sanitizer keeps memory of its own; measured in the plain build";
+#endif
+    Device device;
+    ReplayCameraOptions eager;
+    eager.framesPerSecond = 0;
+    device.back = Device::camera(AVCaptureDevicePosition::Back, eager);
+    device.front = Device::camera(AVCaptureDevicePosition::Front, eager);
+    Stage stage(device);
+    stage.show(true, true);
+    stage.setSteps({ idPhoto });
+    const auto analysed = [&](int frames) {
+        const int goal = stage.device.eyes.told->performed + 2 * frames; // two detectors look at each frame
+        return spinUntil([&] { return stage.device.eyes.told->performed >= goal; }, 120'000);
+    };
+    ASSERT_TRUE(analysed(1'000));
+    const long before = residentKilobytes();
+    ASSERT_TRUE(analysed(10'000));
+    EXPECT_LT(residentKilobytes() - before, 4096);
 }
 
 } // namespace
