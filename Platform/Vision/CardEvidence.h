@@ -5,7 +5,7 @@
 namespace kelvara {
 
 /// What tells a card from other quadrilaterals, in numbers of like size. Internal.
-using CardFeatures = std::array<float, 29>;
+using CardFeatures = std::array<float, 17>;
 
 [[nodiscard]] CardFeatures featuresOf(const CardCandidate& candidate);
 

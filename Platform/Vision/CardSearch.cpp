@@ -10,7 +10,7 @@ namespace kelvara {
 
 namespace {
 
-constexpr std::size_t kLines = 24; ///< Of one direction.
+constexpr std::size_t kLines = 28; ///< Of one direction.
 constexpr std::size_t kRefined = 12; ///< Quadrilaterals that are fitted.
 constexpr int kReach = 6; ///< Pixels of the fine plane by which coarse sides may be off.
 constexpr int kFineReach = 3; ///< Pixels of the finest plane by which the fitted sides may be off.
@@ -137,10 +137,8 @@ std::vector<CardCandidate> searchCards(VisionImage::Planes& planes, const Rectan
             overrun(*quad.sides[1], quad.corners[1].y, quad.corners[2].y),
             overrun(*quad.sides[2], quad.corners[3].x, quad.corners[2].x),
             overrun(*quad.sides[3], quad.corners[0].y, quad.corners[3].y) };
-        candidate.coarseScore = quad.score;
         const QuadSize size(candidate.corners);
         candidate.area = size.width * size.height / static_cast<float>(full.area());
-        candidate.aspect = size.aspect();
         candidates.push_back(candidate);
     }
     return candidates;

@@ -17,9 +17,7 @@ struct CardCandidate
     std::array<SideEvidence, 4> sides; ///< Top, right, bottom, left.
     std::array<float, 4> overrun; ///< Support of each side's line beyond the corners: 0…1.
     std::array<float, 4> cornerEvidence; ///< Rounded corners: how like the surroundings the tips are, −1…1.
-    float coarseScore = 0;
     float area = 0; ///< Of the image, 0…1.
-    float aspect = 0;
 };
 
 /// The few best candidates of the image, in no particular order. Some lie beyond the limits: of a thing that is too

@@ -10,7 +10,7 @@ namespace {
 constexpr float kSteepest = 0.30F; ///< Of a line: about 17°.
 constexpr float kSlopeWindow = 0.12F; ///< How far an edge's own slope may be off the line's.
 constexpr float kFullStrength = 10.0F; ///< Grey levels; half of it counts two thirds.
-constexpr std::size_t kPeaks = 80;
+constexpr std::size_t kPeaks = 100;
 
 /// The weight of an edge: every visible edge counts, a strong one not much more than a weak one.
 float weight(float strength)

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
+#include <opencv2/core/hal/intrin.hpp>
 #include <vector>
 
 namespace kelvara {
@@ -16,6 +18,17 @@ constexpr int kRim = 4; ///< Pixels on both sides of the edge whose colours are 
 constexpr float kFaintest = 2.0F; ///< Edge strength in grey levels.
 constexpr float kFullStrength = 8.0F; ///< At which an edge counts half.
 constexpr int kEdgesAtStation = 4;
+
+/// Mean of all but the largest few: those at which a finger begins and ends.
+float trimmedMean(std::vector<float>& values)
+{
+    const std::size_t kept = values.size() - values.size() / 8;
+    if (kept == 0)
+        return 0;
+    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(kept) - 1, values.end());
+    return std::accumulate(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(kept), 0.0F)
+        / static_cast<float>(kept);
+}
 
 struct Sample
 {
@@ -42,7 +55,8 @@ class Fit
 {
 public:
     Fit(const cv::Mat& bgra, cv::Point2f from, cv::Point2f to, int reach)
-        : m_bgra(bgra), m_from(from), m_to(to), m_reach(std::clamp(reach, 1, kMostReach))
+        : m_bgra(bgra), m_from(from), m_to(to), m_reach(std::clamp(reach, 1, kMostReach)),
+          m_right(static_cast<float>(bgra.cols) - 0.5F), m_bottom(static_cast<float>(bgra.rows) - 0.5F)
     {
         const float length = std::max(distance(from, to), 1.0F);
         m_along = (to - from) / length;
@@ -68,39 +82,39 @@ private:
     /// −1 at the first station, 1 at the last.
     static float place(int station) { return 2.0F * static_cast<float>(station) / (kStations - 1) - 1; }
 
-    [[nodiscard]] Sample sample(cv::Point2f at) const
+    /// Adds the colour between the four pixels around a place; false when it lies outside the plane.
+    bool addColor(cv::v_float32x4& sum, cv::Point2f at) const
     {
         const float x = at.x - 0.5F;
         const float y = at.y - 0.5F;
-        if (!(x > -0.5F && y > -0.5F && x < static_cast<float>(m_bgra.cols) - 0.5F
-                && y < static_cast<float>(m_bgra.rows) - 0.5F))
-            return {};
-        const int x0 = std::clamp(static_cast<int>(std::floor(x)), 0, std::max(m_bgra.cols - 2, 0));
-        const int y0 = std::clamp(static_cast<int>(std::floor(y)), 0, std::max(m_bgra.rows - 2, 0));
-        const float fx = std::clamp(x - static_cast<float>(x0), 0.0F, 1.0F);
-        const float fy = std::clamp(y - static_cast<float>(y0), 0.0F, 1.0F);
+        if (!(x > -0.5F && y > -0.5F && x < m_right && y < m_bottom))
+            return false;
+        const int x0 = std::min(static_cast<int>(std::max(x, 0.0F)), m_bgra.cols - 2);
+        const int y0 = std::min(static_cast<int>(std::max(y, 0.0F)), m_bgra.rows - 2);
+        const cv::v_float32x4 fx = cv::v_setall_f32(std::clamp(x - static_cast<float>(x0), 0.0F, 1.0F));
+        const cv::v_float32x4 fy = cv::v_setall_f32(std::clamp(y - static_cast<float>(y0), 0.0F, 1.0F));
+        const auto pixel
+            = [](const uchar* bgra) { return cv::v_cvt_f32(cv::v_reinterpret_as_s32(cv::v_load_expand_q(bgra))); };
         const uchar* upper = m_bgra.ptr<uchar>(y0) + 4 * x0;
         const uchar* lower = m_bgra.ptr<uchar>(y0 + 1) + 4 * x0;
-        Sample result;
-        for (int c = 0; c < 3; ++c) {
-            const float above = static_cast<float>(upper[c]) * (1 - fx) + static_cast<float>(upper[c + 4]) * fx;
-            const float below = static_cast<float>(lower[c]) * (1 - fx) + static_cast<float>(lower[c + 4]) * fx;
-            result.color[c] = above * (1 - fy) + below * fy;
-        }
-        result.valid = true;
-        return result;
+        const cv::v_float32x4 above = pixel(upper) + (pixel(upper + 4) - pixel(upper)) * fx;
+        const cv::v_float32x4 below = pixel(lower) + (pixel(lower + 4) - pixel(lower)) * fx;
+        sum += above + (below - above) * fy;
+        return true;
     }
 
     void measure(Station& station, float along) const
     {
         const int reach = m_reach + kRim;
+        const cv::Point2f aside = m_along * (m_spacing / 3);
         for (int t = -reach; t <= reach; ++t) {
             const cv::Point2f at = m_from + m_along * along + m_inward * static_cast<float>(t);
-            const cv::Point2f aside = m_along * (m_spacing / 3);
-            const Sample samples[] = { sample(at - aside), sample(at), sample(at + aside) };
+            cv::v_float32x4 sum = cv::v_setzero_f32();
             Sample& mean = station.profile[static_cast<std::size_t>(t + reach)];
-            mean.valid = samples[0].valid && samples[1].valid && samples[2].valid;
-            mean.color = (samples[0].color + samples[1].color + samples[2].color) * (1.0F / 3);
+            mean.valid = addColor(sum, at - aside) && addColor(sum, at) && addColor(sum, at + aside);
+            float color[4];
+            cv::v_store(color, sum);
+            mean.color = cv::Vec3f(color[0], color[1], color[2]) * (1.0F / 3);
         }
         findEdges(station);
     }
@@ -248,7 +262,8 @@ private:
         float count = 0;
         float sharp = 0;
         int edges = 0;
-        int neighbours = 0;
+        std::vector<float> rims;
+        std::vector<float> surrounds;
         Sample lastInside;
         Sample lastOutside;
         for (int i = 0; i < kStations; ++i) {
@@ -277,9 +292,8 @@ private:
             evidence.outside += outside.color;
             ++count;
             if (lastInside.valid) {
-                evidence.rim += static_cast<float>(cv::norm(inside.color - lastInside.color));
-                evidence.surround += static_cast<float>(cv::norm(outside.color - lastOutside.color));
-                ++neighbours;
+                rims.push_back(static_cast<float>(cv::norm(inside.color - lastInside.color)));
+                surrounds.push_back(static_cast<float>(cv::norm(outside.color - lastOutside.color)));
             }
             lastInside = inside;
             lastOutside = outside;
@@ -291,8 +305,8 @@ private:
             evidence.outside *= 1 / count;
         }
         evidence.sharpness = sharp / static_cast<float>(std::max(edges, 1));
-        evidence.rim /= static_cast<float>(std::max(neighbours, 1));
-        evidence.surround /= static_cast<float>(std::max(neighbours, 1));
+        evidence.rim = trimmedMean(rims);
+        evidence.surround = trimmedMean(surrounds);
         return evidence;
     }
 
@@ -300,6 +314,8 @@ private:
     const cv::Point2f m_from;
     const cv::Point2f m_to;
     const int m_reach;
+    const float m_right;
+    const float m_bottom;
     cv::Point2f m_along;
     cv::Point2f m_inward;
     float m_spacing = 1;

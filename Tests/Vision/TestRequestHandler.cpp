@@ -13,8 +13,7 @@
 using namespace kelvara;
 using testing::ElementsAre;
 
-namespace
-{
+namespace {
 
 /// Reports where in the upright bitmap the one red pixel is, as a face; throws on a white one.
 class RedPixelDetector final : public FaceDetector, public RectangleDetector
@@ -126,7 +125,8 @@ TEST(VNImageRequestHandler, ServesSeveralThreadsAtATime)
 TEST(VNImageRequestHandler, TurnsTheBitmapUpright)
 {
     // A 6 × 4 bitmap whose pixel (1, 0) is red, and where that pixel is in the upright image.
-    const struct {
+    const struct
+    {
         CGImagePropertyOrientation orientation;
         QPoint upright;
     } rows[] = {
