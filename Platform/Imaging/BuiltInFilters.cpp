@@ -2,8 +2,11 @@
 
 #include "Platform/Imaging/AreaAverageNode.h"
 #include "Platform/Imaging/ColorNode.h"
+#include "Platform/Imaging/LanczosNode.h"
 #include "Platform/Imaging/PerspectiveNode.h"
 #include "Platform/Imaging/PixelRect.h"
+
+#include <cmath>
 
 namespace kelvara::imaging {
 
@@ -81,6 +84,34 @@ public:
     }
 };
 
+class ExposureAdjust final : public KeyedFilter
+{
+public:
+    [[nodiscard]] std::optional<CIImage> outputImage() const override
+    {
+        const double stops = value<double>(kCIInputEVKey).value_or(0.0);
+        if (!inputImage || !std::isfinite(stops))
+            return std::nullopt;
+        const auto gain = float(std::exp2(stops));
+        return CIImage(std::make_shared<ColorNode>(inputImage->node(), [gain](std::span<Pixel> pixels) {
+            for (Pixel& pixel : pixels)
+                pixel = { gain * pixel.r, gain * pixel.g, gain * pixel.b, pixel.a };
+        }));
+    }
+};
+
+class LanczosScaleTransform final : public KeyedFilter
+{
+public:
+    [[nodiscard]] std::optional<CIImage> outputImage() const override
+    {
+        const double scale = value<double>(kCIInputScaleKey).value_or(1.0);
+        const double aspectRatio = value<double>(kCIInputAspectRatioKey).value_or(1.0);
+        auto node = inputImage ? LanczosNode::make(inputImage->node(), scale * aspectRatio, scale) : nullptr;
+        return node ? std::optional<CIImage>(std::move(node)) : std::nullopt;
+    }
+};
+
 } // namespace
 
 std::unique_ptr<CIFilter> makeBuiltInFilter(const QString& name)
@@ -91,6 +122,10 @@ std::unique_ptr<CIFilter> makeBuiltInFilter(const QString& name)
         return std::make_unique<AreaAverage>();
     if (name == QLatin1String("CIColorControls"))
         return std::make_unique<ColorControls>();
+    if (name == QLatin1String("CIExposureAdjust"))
+        return std::make_unique<ExposureAdjust>();
+    if (name == QLatin1String("CILanczosScaleTransform"))
+        return std::make_unique<LanczosScaleTransform>();
     return nullptr;
 }
 

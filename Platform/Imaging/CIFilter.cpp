@@ -1,6 +1,7 @@
 #include "Platform/Imaging/CIFilter.h"
 
 #include "Platform/Imaging/BuiltInFilters.h"
+#include "Platform/Imaging/CIFilterConstructor.h"
 
 #include <map>
 #include <mutex>
@@ -64,6 +65,15 @@ std::unique_ptr<CIFilter> CIFilter::filter(const QString& name, const QVariantMa
 void CIFilter::registerFilterName(const QString& name, Constructor constructor, QVariantMap classAttributes)
 {
     Registry::instance().set(name, { std::move(constructor), std::move(classAttributes) });
+}
+
+void CIFilter::registerFilterName(
+    const QString& name, std::shared_ptr<const CIFilterConstructor> constructor, QVariantMap classAttributes)
+{
+    Constructor function;
+    if (constructor)
+        function = [kept = std::move(constructor)](const QString& wanted) { return kept->filter(wanted); };
+    registerFilterName(name, std::move(function), std::move(classAttributes));
 }
 
 QVariantMap CIFilter::classAttributes(const QString& name)

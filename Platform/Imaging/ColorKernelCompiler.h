@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Platform/Imaging/ColorKernelProgram.h"
+
+#include <optional>
+
+namespace kelvara::imaging {
+
+/// Compiles a colour kernel's text (the language: see `CIColorKernel`). Absent when anything in it is not understood.
+[[nodiscard]] std::optional<KernelProgram> compileColorKernel(const QString& source);
+
+} // namespace kelvara::imaging
