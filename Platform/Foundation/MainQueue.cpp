@@ -18,6 +18,17 @@ struct Entry
     std::function<void()> block;
 };
 
+/// The queue itself stands apart from the object that Qt wakes: whichever thread posts first makes that object, and
+/// only this lock, there before any thread, orders what the threads see of each other.
+constinit std::mutex queueMutex;
+
+/// To be used under the lock. Never destroyed: worker threads may still post while the process winds down.
+std::deque<Entry>& entries()
+{
+    static auto* const waiting = new std::deque<Entry>;
+    return *waiting;
+}
+
 /// Lives on the GUI thread and runs what waits. One block an event: whatever a block spins (a dialog, a nested
 /// event loop) finds the rest of the queue still served, in order.
 class Runner : public QObject
@@ -28,8 +39,8 @@ public:
         // Made before the lock and read under it: so the event, which Qt hands over, is ordered by a lock of our own.
         auto* wake = new QEvent(QEvent::User);
         {
-            const std::lock_guard lock(m_mutex);
-            m_entries.push_back(std::move(entry));
+            const std::lock_guard lock(queueMutex);
+            entries().push_back(std::move(entry));
         }
         QCoreApplication::postEvent(this, wake);
     }
@@ -39,24 +50,20 @@ protected:
     {
         Entry entry;
         {
-            std::unique_lock lock(m_mutex);
+            std::unique_lock lock(queueMutex);
             if (event->type() != QEvent::User) {
                 lock.unlock();
                 return QObject::event(event);
             }
-            if (m_entries.empty())
+            if (entries().empty())
                 return true;
-            entry = std::move(m_entries.front());
-            m_entries.pop_front();
+            entry = std::move(entries().front());
+            entries().pop_front();
         }
         if (!entry.context.expired())
             entry.block();
         return true;
     }
-
-private:
-    std::mutex m_mutex;
-    std::deque<Entry> m_entries;
 };
 
 Runner& runner()

@@ -51,13 +51,16 @@ TEST(SerialQueue, SyncWaitsForWhatWasQueuedBeforeAndForTheBlock)
 TEST(SerialQueue, DestructionRunsWhatIsQueuedAndWhatThatQueues)
 {
     std::vector<int> ran;
+    std::promise<void> gate;
     {
         SerialQueue queue(QStringLiteral("queue"));
         queue.async([&] {
+            gate.get_future().wait();
             ran.push_back(1);
             queue.async([&] { ran.push_back(3); });
         });
         queue.async([&] { ran.push_back(2); });
+        gate.set_value();
     }
     EXPECT_EQ(ran, (std::vector { 1, 2, 3 }));
 }
