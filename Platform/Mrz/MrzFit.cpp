@@ -13,6 +13,12 @@ namespace {
 constexpr int emptyParts = 3;
 constexpr int emptyOf = 4;
 
+/// Whether no check digit tells them apart.
+bool weighTheSame(char16_t a, char16_t b)
+{
+    return mrzCharacterValue(a) % 10 == mrzCharacterValue(b) % 10;
+}
+
 MrzKind shapeKind(QChar kind)
 {
     return kind == u'A' ? MrzKind::Letter : kind == u'9' ? MrzKind::Digit : MrzKind::Filler;
@@ -119,14 +125,31 @@ private:
             fitCell(m_zone.at(place, i), shapeKind(shape[i]));
     }
 
+    [[nodiscard]] bool isOfShape(const MrzPlace& place, QStringView shape) const
+    {
+        for (qsizetype i = 0; i < shape.size(); ++i) {
+            const char16_t character = m_zone.at(place, static_cast<int>(i)).taken;
+            if (!fits(character, shapeKind(shape[i])) && lookAlikes(character, shapeKind(shape[i])).isEmpty())
+                return false;
+        }
+        return true;
+    }
+
     void fitDocumentNumber()
     {
         const MrzPlace& place = m_format.documentNumber;
+        if (m_format.format != MrzDocumentFormat::TD1 && !isOfShape(place, m_result.shapes.documentNumber))
+            m_result.shapes.documentNumber = {}; // Passports of all series are about.
         if (!m_result.shapes.documentNumber.isEmpty()) {
             fitShape(place, m_result.shapes.documentNumber);
             return;
         }
         fitPlace(place, MrzKind::Any);
+        for (int i = 0; i < place.length; ++i) {
+            MrzCell& cell = m_zone.at(place, i);
+            if (m_result.shapes.absentLetters.contains(QChar(cell.taken)))
+                fitCell(cell, MrzKind::Digit);
+        }
         if (m_zone.at(place).taken == u'<')
             ++m_result.violations;
         addRivals(place, true);
@@ -156,7 +179,8 @@ private:
             fitPlace(place, MrzKind::Filler);
         else {
             fitPlace(place, MrzKind::Any);
-            addRivals(place, false);
+            if (m_format.finalCheck.length > 0) // Elsewhere nothing vouches for them anyway.
+                addRivals(place, false);
         }
     }
 
@@ -171,21 +195,62 @@ private:
     {
         for (int i = 0; i < place.length; ++i) {
             MrzCell& cell = m_zone.at(place, i);
-            if (cell.isCertaintyKnown())
-                continue;
             const char16_t before = beside(place, i - 1);
             const char16_t after = beside(place, i + 1);
-            const QStringView digit = lookAlikes(cell.taken, MrzKind::Digit);
-            if (isMrzLetter(cell.taken) && !digit.isEmpty() && (isMrzDigit(after) || isMrzDigit(before)) && i > 0)
-                cell.rivals += digit;
-            if (isMrzDigit(cell.taken) && isMrzLetter(before) && isMrzLetter(after))
-                cell.rivals += lookAlikes(cell.taken, MrzKind::Letter);
-            // A filler and K weigh the same: at the end of a run each may be the other.
-            if (cell.taken == u'K' && (before == u'<' || after == u'<' || (isNumber && after == 0)))
-                cell.rivals += u'<';
-            const bool isInside = after != 0 && after != u'<' && before != 0 && before != u'<';
-            if (cell.taken == u'<' && isInside && (isNumber || isMrzLetter(before) || isMrzLetter(after)))
+            addRivalFillers(cell, before, after, isNumber);
+            if (isMrzLetter(cell.taken))
+                addRivalsOfLetter(cell, i, before, after);
+            else if (isMrzDigit(cell.taken) && !cell.isCertaintyKnown())
+                addRivalsOfDigit(cell, before, after, isNumber);
+        }
+    }
+
+    /// Fillers weigh the same as K, and as 0, A and U: at the end of a run K may be one, lonely in it each of them.
+    void addRivalFillers(MrzCell& cell, char16_t before, char16_t after, bool isNumber)
+    {
+        const bool isFillerBefore = before == u'<' || before == 0;
+        const bool isFillerAfter = after == u'<' || after == 0;
+        const bool isLonely = isFillerBefore && isFillerAfter;
+        if (cell.taken == u'<') {
+            const bool isInside
+                = !isFillerBefore && !isFillerAfter && (isNumber || isMrzLetter(before) || isMrzLetter(after));
+            const bool isLast = isNumber && after == 0 && isMrzLetter(before);
+            if (isInside || isLast)
                 cell.rivals += u'K';
+        } else if (weighTheSame(cell.taken, u'<')
+            && (isLonely || (cell.taken == u'K' && (before == u'<' || isFillerAfter)))) {
+            cell.rivals += u'<';
+        }
+    }
+
+    void addRivalsOfLetter(MrzCell& cell, int i, char16_t before, char16_t after)
+    {
+        const QStringView digits = lookAlikes(cell.taken, MrzKind::Digit);
+        if (digits.isEmpty() || !(isMrzDigit(before) || isMrzDigit(after)))
+            return;
+        const bool isSameWeight = cell.taken != u'L' && weighTheSame(cell.taken, digits.front().unicode());
+        static constexpr QStringView commonlyTakenForDigits = u"OISZBG";
+        cell.isMisplaced
+            = i > 0 && isMrzDigit(before) && !isMrzLetter(after) && commonlyTakenForDigits.contains(QChar(cell.taken));
+        // (L and 1 weigh the same as well, but are rarely taken for each other.)
+        // Numbers often begin with a letter: that is out of place only where no check digit tells it from its digit. A
+        // reader that knows how certain it is tells by itself what is in doubt, but there even it is not believed.
+        if (cell.isCertaintyKnown() ? cell.isMisplaced && isSameWeight : i > 0 || isSameWeight)
+            cell.rivals += digits;
+    }
+
+    /// Digits among digits are what they are; a digit where the letters of a number may still go on is one only if
+    /// check digits say so.
+    void addRivalsOfDigit(MrzCell& cell, char16_t before, char16_t after, bool isNumber)
+    {
+        const bool isAmongLetters
+            = !isMrzDigit(before) && !isMrzDigit(after) && (isMrzLetter(before) || isMrzLetter(after));
+        const bool isBesideLetters = isNumber && (!isMrzDigit(before) || isMrzLetter(after));
+        for (const QChar letter : lookAlikes(cell.taken, MrzKind::Letter)) {
+            if (m_result.shapes.absentLetters.contains(letter))
+                continue;
+            if (isAmongLetters || (isBesideLetters && weighTheSame(cell.taken, letter.unicode()) && cell.taken != u'1'))
+                cell.rivals += letter;
         }
     }
 
@@ -246,18 +311,19 @@ private:
 constexpr float doubtful = 0.9F;
 constexpr float doubtfulUnseen = 0.97F;
 
-void addDoubt(MrzCell& cell, MrzKind kind)
+void addDoubt(MrzCell& cell, MrzKind kind, QStringView absent)
 {
     if (!cell.isCertaintyKnown() || cell.certainty >= doubtfulUnseen)
         return;
-    QString others = cell.alternatives;
+    // An engine that is in doubt and does not say between what leaves all open.
+    static constexpr QStringView all = u"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ<";
+    QString others = cell.alternatives.isEmpty() ? all.toString() : cell.alternatives;
     others += doubtfulLookAlikes(cell.read);
     others += doubtfulLookAlikes(cell.taken);
     for (const QChar other : std::as_const(others)) {
         const char16_t character = other.unicode();
-        const bool isUnseen = mrzCharacterValue(character) % 10 == mrzCharacterValue(cell.taken) % 10;
-        if (character != cell.taken && fits(character, kind) && !cell.rivals.contains(other)
-            && (isUnseen || cell.certainty < doubtful))
+        if (character != cell.taken && fits(character, kind) && !cell.rivals.contains(other) && !absent.contains(other)
+            && (cell.certainty < doubtful || weighTheSame(character, cell.taken)))
             cell.rivals += other;
     }
 }
@@ -271,11 +337,15 @@ MrzFitting fitMrzZone(const MrzFormat& format, MrzZone& zone)
 
 void addDoubtfulRivals(const MrzFormat& format, const MrzShapes& shapes, MrzZone& zone)
 {
-    const auto add = [&](const MrzPlace& place, MrzKind kind, QStringView shape = {}) {
-        for (int i = 0; i < place.length; ++i)
-            addDoubt(zone.at(place, i), shape.isEmpty() ? kind : shapeKind(shape[i]));
+    const auto add = [&](const MrzPlace& place, MrzKind kind, QStringView shape = {}, QStringView absent = {}) {
+        const auto isFiller = [&](int i) { return i < 0 || i >= place.length || zone.at(place, i).taken == u'<'; };
+        for (int i = 0; i < place.length; ++i) {
+            const bool isInRun = isFiller(i - 1) && isFiller(i) && isFiller(i + 1);
+            if (!isInRun)
+                addDoubt(zone.at(place, i), shape.isEmpty() ? kind : shapeKind(shape[i]), absent);
+        }
     };
-    add(format.documentNumber, MrzKind::Any, shapes.documentNumber);
+    add(format.documentNumber, MrzKind::Any, shapes.documentNumber, shapes.absentLetters);
     add(format.documentNumberCheck, format.longNumbers ? MrzKind::DigitOrFiller : MrzKind::Digit);
     for (const MrzPlace& digits :
         { format.birth, format.birthCheck, format.expiry, format.expiryCheck, format.finalCheck })

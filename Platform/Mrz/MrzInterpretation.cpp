@@ -13,7 +13,7 @@ namespace kelvara {
 namespace {
 
 /// Where more than so many characters had to be replaced, the chances are that two others cancel each other unseen.
-constexpr int mostTrustedCorrections = 6;
+constexpr int mostTrustedCorrections = 5;
 
 QString withoutFillersAround(QStringView text)
 {

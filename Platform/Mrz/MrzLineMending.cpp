@@ -90,7 +90,7 @@ std::vector<MrzMendedLine> mendEnd(const MrzCells& line, int length)
         return {};
     if (error < 0)
         return { withFillers(line, static_cast<int>(line.size()), -error) };
-    return { without(line, length, error), without(line, 0, error) };
+    return { without(line, 0, error), without(line, length, error) };
 }
 
 } // namespace kelvara

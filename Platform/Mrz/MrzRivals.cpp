@@ -1,5 +1,6 @@
 #include "Platform/Mrz/MrzRivals.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kelvara {
@@ -12,7 +13,7 @@ constexpr int mostExchanges = 3;
 constexpr int mostCombinations = 2000;
 /// With more combinations than these one of them comes out right by chance too easily: one in ten satisfies a check
 /// digit.
-constexpr int mostTrustedCombinations = 12;
+constexpr int mostTrustedCombinations = 8;
 
 class Search
 {
@@ -32,7 +33,7 @@ public:
     {
         tryFrom(0);
         const bool isTooMuch = m_combinations > mostCombinations;
-        const bool isGuess = m_right == 1 && !m_best.empty() && !isTrusted();
+        const bool isGuess = (m_right == 1 && !m_best.empty() && !isTrusted()) || hasBlindChoice();
         for (const auto& [cell, taken] : m_best)
             cell->taken = taken;
         return { m_right > 1 || isTooMuch, isGuess };
@@ -65,6 +66,13 @@ private:
         }
     }
 
+    /// Whether what stands now was chosen among several look-alikes without the OCR's word for any.
+    [[nodiscard]] bool hasBlindChoice() const
+    {
+        return std::ranges::any_of(
+            m_open, [](const MrzCell* cell) { return cell->read != cell->taken && !cell->isCertaintyKnown(); });
+    }
+
     /// A check digit that chose is no check any more. What it chose counts only where there was little to choose from:
     /// a character that the OCR itself doubts, or the one letter out of place in the zone.
     [[nodiscard]] bool isTrusted() const
@@ -72,8 +80,8 @@ private:
         if (m_best.size() != 1)
             return false;
         const MrzCell& cell = *m_best.front().first;
-        return cell.isCertaintyKnown() ? m_combinations <= mostTrustedCombinations
-                                       : m_open.size() == 1 && cell.rivals.size() == 1;
+        return m_combinations <= mostTrustedCombinations
+            && (cell.isCertaintyKnown() || (cell.rivals.size() == 1 && cell.isMisplaced));
     }
 
     const MrzFormat& m_format;

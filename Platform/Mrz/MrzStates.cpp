@@ -42,9 +42,14 @@ bool isMrzState(QStringView code)
 
 MrzShapes mrzShapes(MrzDocumentFormat format, QStringView code)
 {
-    if (format == MrzDocumentFormat::TD1 && code == u"TUR")
-        return { u"A99A99999", u"<99999999999<<<", u"<<<<<<<<<<<", true };
-    return {};
+    MrzShapes shapes;
+    if (code == u"TUR" && format == MrzDocumentFormat::TD1)
+        shapes = { u"A99A99999", u"<99999999999<<<", u"<<<<<<<<<<<", {}, true };
+    else if (code == u"TUR" && format == MrzDocumentFormat::TD3)
+        shapes.documentNumber = u"A99999999";
+    else if (code == u"D<<")
+        shapes.absentLetters = u"ABDEIOQSU"; // No vowels, and nothing that looks like a digit but G and Z.
+    return shapes;
 }
 
 } // namespace kelvara

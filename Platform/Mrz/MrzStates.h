@@ -17,6 +17,7 @@ struct MrzShapes
     QStringView documentNumber;
     QStringView optional1;
     QStringView optional2;
+    QStringView absentLetters; ///< Which document numbers do not have, where their shape is free.
     bool turkishIdentityNumber = false; ///< The first optional data are a Turkish identity number.
 };
 

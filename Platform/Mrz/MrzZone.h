@@ -17,6 +17,7 @@ struct MrzCell
     float certainty = -1; ///< 0 to 1; negative: not known.
     QString alternatives; ///< The OCR's own.
     QString rivals; ///< What else it may well be, without `taken`.
+    bool isMisplaced = false; ///< A letter among digits that is often read for one.
 
     [[nodiscard]] bool isCertaintyKnown() const { return certainty >= 0; }
 };

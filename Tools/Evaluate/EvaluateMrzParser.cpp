@@ -3,18 +3,18 @@
 
 #include "Platform/Mrz/MrzCheckDigit.h"
 #include "Platform/Mrz/QKMRZParser.h"
+#include "Tools/Evaluate/MrzDamage.h"
 #include "Tools/Specimen/Dice.h"
 #include "Tools/Specimen/Specimen.h"
 
 #include <QLocale>
 
-#include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
-#include <string_view>
 
 using namespace kelvara;
+using evaluate::Damage;
+using evaluate::degraded;
 using specimen::Dice;
 using specimen::SpecimenData;
 
@@ -94,63 +94,6 @@ Zone zoneOf(Document document, std::uint32_t seed)
         = { filled((isPassport ? QStringLiteral("P<") : QStringLiteral("I<")) + state + name, isPassport ? 44 : 36),
               number + state + birth + data.sex + expiry + personal + final(number + birth + expiry + personal) };
     return zone;
-}
-
-/// What a reader takes each character of OCR-B for.
-QStringView confusions(QChar character)
-{
-    static const std::map<char16_t, const char16_t*> table { { u'0', u"ODU" }, { u'O', u"0DQ" }, { u'1', u"I" },
-        { u'I', u"1" }, { u'5', u"S" }, { u'S', u"5" }, { u'2', u"Z" }, { u'Z', u"2" }, { u'8', u"B" }, { u'B', u"8" },
-        { u'6', u"G" }, { u'G', u"6" }, { u'K', u"<" }, { u'<', u"K" }, { u'U', u"0" }, { u'D', u"0" }, { u'N', u"HM" },
-        { u'H', u"NM" }, { u'M', u"N" }, { u'Q', u"O0" }, { u'4', u"A" }, { u'L', u"1" }, { u'T', u"7" } };
-    const auto found = table.find(character.unicode());
-    return found == table.end() ? QStringView() : QStringView(found->second);
-}
-
-struct Damage
-{
-    double rate; ///< Of characters that are misread.
-    double arbitrary; ///< The part of them that is taken for any other character.
-    bool hasCertainty; ///< Whether the reader says where it is in doubt.
-};
-
-MrzLineReading degraded(const QString& line, const Damage& damage, Dice& dice)
-{
-    static constexpr QStringView all = u"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ<";
-    MrzLineReading reading;
-    const auto add = [&](QChar character, bool isWrong) {
-        reading.text += character;
-        if (!damage.hasCertainty)
-            return;
-        // A wrong character is nearly always a doubtful one, a right one rarely.
-        const bool isDoubtful = dice.chance(isWrong ? 0.95 : 0.02);
-        reading.certainties.push_back(static_cast<float>(isDoubtful ? dice.real(0.3, 0.89) : dice.real(0.97, 1)));
-        reading.alternatives.emplace_back();
-    };
-    for (qsizetype i = 0; i < line.size(); ++i) {
-        const QChar character = line[i];
-        const bool isRun = character == u'<' && i > 0 && line[i - 1] == u'<';
-        if (isRun && dice.chance(damage.rate / 8)) {
-            if (dice.chance(0.5))
-                continue;
-            add(character, false);
-        }
-        if (!dice.chance(damage.rate)) {
-            add(character, false);
-            continue;
-        }
-        if (dice.chance(damage.arbitrary)) {
-            const QChar other = all[dice.integer(0, static_cast<int>(all.size()) - 1)];
-            add(other, other != character);
-            continue;
-        }
-        const QStringView others = confusions(character);
-        if (others.isEmpty())
-            add(character, false);
-        else
-            add(others[dice.integer(0, static_cast<int>(others.size()) - 1)], true);
-    }
-    return reading;
 }
 
 bool isRight(const QKMRZResult& result, const Zone& truth)
