@@ -229,7 +229,7 @@ private:
         if (digits.isEmpty() || !(isMrzDigit(before) || isMrzDigit(after)))
             return;
         const bool isSameWeight = cell.taken != u'L' && weighTheSame(cell.taken, digits.front().unicode());
-        static constexpr QStringView commonlyTakenForDigits = u"OISZBG";
+        static constexpr QStringView commonlyTakenForDigits = u"OISZBGUD";
         cell.isMisplaced
             = i > 0 && isMrzDigit(before) && !isMrzLetter(after) && commonlyTakenForDigits.contains(QChar(cell.taken));
         // (L and 1 weigh the same as well, but are rarely taken for each other.)

@@ -105,7 +105,8 @@ MrzInterpretation interpretMrzZone(
         result.marks = std::move(mended);
         addDoubtfulRivals(format, fitting.shapes, zone);
         const MrzZone fitted = zone;
-        settlement = settleRivals(format, fitting.shapes, zone, today);
+        if (fitting.violations == 0) // Otherwise no combination can come out right.
+            settlement = settleRivals(format, fitting.shapes, zone, today);
         addMarks(result.marks, fitted, zone, settlement.isAmbiguous);
     } else {
         fitting.isStateKnown = isMrzState(zone.text(format.state));

@@ -10,7 +10,7 @@ namespace {
 /// So many characters may be something else at once.
 constexpr int mostExchanges = 3;
 /// More combinations than these say that the text is not worth trying.
-constexpr int mostCombinations = 2000;
+constexpr int mostCombinations = 1000;
 /// With more combinations than these one of them comes out right by chance too easily: one in ten satisfies a check
 /// digit.
 constexpr int mostTrustedCombinations = 8;
@@ -44,7 +44,7 @@ private:
 
     void tryFrom(std::size_t first)
     {
-        if (++m_combinations > mostCombinations)
+        if (m_right > 1 || ++m_combinations > mostCombinations)
             return;
         const MrzChecks checks = checkMrzZone(m_format, m_shapes, m_zone, m_today);
         if (checks.all() && checks.isIdentityNumberRight) {

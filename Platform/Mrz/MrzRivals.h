@@ -11,8 +11,8 @@ struct MrzSettlement
     bool isGuess = false; ///< The one that does was chosen by check digits with too much room to choose.
 };
 
-/// Tries the combinations of what each character was taken for and its rivals, and takes the one with the fewest
-/// rivals that satisfies every check. Where none does, the zone stays as it was.
+/// Tries the combinations of what each character was taken for and its rivals, and takes the one that satisfies every
+/// check. Where none does, the zone stays as it was; where several do, one with few rivals is taken.
 MrzSettlement settleRivals(const MrzFormat& format, const MrzShapes& shapes, MrzZone& zone, const QDate& today);
 
 } // namespace kelvara
