@@ -187,6 +187,50 @@ std::optional<Grid> gridOf(const std::vector<Component>& row, double pitch)
     return grid;
 }
 
+void setCells(Line& line, const Grid& grid)
+{
+    line.cells.clear();
+    for (int number = grid.first; number <= grid.last; ++number) {
+        const double x = grid.x.at(number);
+        line.cells.push_back({ { x, grid.y.at(x) }, {}, 0, 0 });
+    }
+}
+
+bool isDocumentLength(std::size_t cells)
+{
+    return cells == 30 || cells == 36 || cells == 44;
+}
+
+/// All lines of a document begin and end one below the other: a line that is shorter than one of a document's length
+/// gets the places that have lost their ink.
+void complete(std::vector<Grid>& grids, double pitch)
+{
+    const auto length = [](const Grid& grid) { return std::size_t(grid.last - grid.first + 1); };
+    const Grid* whole = nullptr;
+    for (const Grid& grid : grids) {
+        if (isDocumentLength(length(grid)) && (!whole || length(grid) > length(*whole)))
+            whole = &grid;
+    }
+    if (!whole)
+        return;
+    const double left = whole->x.at(whole->first);
+    const double slope = whole->y.slope(left);
+    for (Grid& grid : grids) {
+        if (length(grid) >= length(*whole))
+            continue;
+        // Across a turned band the lines' beginnings drift sideways.
+        const double begin = left - slope * (grid.y.at(left) - whole->y.at(left));
+        const double exact = grid.x.inverse(begin, grid.first);
+        const int first = int(std::lround(exact));
+        const int last = first + whole->last - whole->first;
+        if (std::abs(exact - first) < 0.4 && first <= grid.first && last >= grid.last
+            && std::abs(grid.x.at(first) - begin) < 0.4 * pitch) {
+            grid.first = first;
+            grid.last = last;
+        }
+    }
+}
+
 /// Gives the component's ink to cells; one that spans several is cut where there is least ink between them.
 void distribute(const Component& c, const cv::Mat& labels, Line& line, double pitch, cv::Mat& cells)
 {
@@ -246,7 +290,7 @@ void trim(Line& line)
 {
     const auto isDirt
         = [&](const Cell& cell) { return cell.ink.empty() || cell.ink.height < kLeastGlyph * line.height; };
-    while (!line.cells.empty() && isDirt(line.cells.back()))
+    while (!isDocumentLength(line.cells.size()) && !line.cells.empty() && isDirt(line.cells.back()))
         line.cells.pop_back();
 }
 
@@ -264,13 +308,33 @@ double capitalHeight(const Line& line, double otherwise)
     return *middle;
 }
 
-} // namespace
+/// Whether all lines have as many characters as those of some document.
+bool isPlausible(const Layout& layout)
+{
+    const auto length = [](const Line& line) { return line.cells.size(); };
+    const std::size_t first = layout.lines.empty() ? 0 : length(layout.lines.front());
+    return layout.lines.size() >= 2 && isDocumentLength(first)
+        && std::all_of(layout.lines.begin(), layout.lines.end(), [&](const Line& l) { return length(l) == first; });
+}
 
-Layout findLayout(const cv::Mat& ink)
+std::size_t cellsOf(const Layout& layout)
+{
+    std::size_t cells = 0;
+    for (const Line& line : layout.lines)
+        cells += line.cells.size();
+    return cells;
+}
+
+/// The layout of the ink's components after gaps of up to `bridge` pixels are closed.
+Layout layoutOf(const cv::Mat& ink, int bridge)
 {
     Layout layout;
     layout.cells = cv::Mat::zeros(ink.size(), CV_16U);
-    const Components components = componentsOf(ink);
+    cv::Mat joined = ink;
+    if (bridge > 0)
+        cv::morphologyEx(ink, joined, cv::MORPH_CLOSE,
+            cv::getStructuringElement(cv::MORPH_ELLIPSE, { 2 * bridge + 1, 2 * bridge + 1 }));
+    const Components components = componentsOf(joined);
     const double height = glyphHeight(components.all, ink.rows);
     if (height < kFewestPixels)
         return layout;
@@ -286,18 +350,17 @@ Layout findLayout(const cv::Mat& ink)
     std::vector<Grid> grids;
     for (const auto& row : rows) {
         const auto grid = gridOf(row, pitch);
-        if (!grid || layout.lines.size() >= kMostLines)
-            continue;
+        if (grid && grids.size() < kMostLines)
+            grids.push_back(*grid);
+    }
+    complete(grids, pitch);
+    for (const Grid& grid : grids) {
         Line line;
-        line.pitch = grid->x.slope((grid->first + grid->last) / 2.0);
+        line.pitch = grid.x.slope((grid.first + grid.last) / 2.0);
         line.height = height;
         line.firstMark = int(layout.lines.size() * 256) + 1;
-        for (int number = grid->first; number <= grid->last; ++number) {
-            const double x = grid->x.at(number);
-            line.cells.push_back({ { x, grid->y.at(x) }, {}, 0, 0 });
-        }
+        setCells(line, grid);
         layout.lines.push_back(std::move(line));
-        grids.push_back(*grid);
     }
     for (const Component& c : components.all) {
         if ((c.box.height < kSpeckle * height && c.box.width < kSpeckle * height) || c.box.height > 1.7 * height)
@@ -320,6 +383,22 @@ Layout findLayout(const cv::Mat& ink)
     }
     std::erase_if(layout.lines, [](const Line& line) { return line.cells.size() < kFewestGlyphs; });
     return layout;
+}
+
+} // namespace
+
+Layout findLayout(const cv::Mat& ink)
+{
+    Layout best = layoutOf(ink, 0);
+    // Strokes that blur has thinned away leave pieces of glyphs.
+    for (const int bridge : { 3, 6 }) {
+        if (isPlausible(best))
+            break;
+        Layout other = layoutOf(ink, bridge);
+        if (isPlausible(other) || cellsOf(other) > cellsOf(best))
+            best = std::move(other);
+    }
+    return best;
 }
 
 } // namespace kelvara::ocr
