@@ -1,9 +1,8 @@
 #include "Kelvara/IDCardUtil.h"
 
+#include "Platform/Foundation/CharacterCount.h"
 #include "Platform/Foundation/UserDefaults.h"
 #include "Platform/Mrz/MrzCheckDigit.h"
-
-#include <QTextBoundaryFinder>
 
 #include <utility>
 
@@ -14,16 +13,6 @@ namespace {
 const QString passportNumberKey = QStringLiteral("passportNumber");
 const QString dateOfBirthKey = QStringLiteral("dateOfBirth");
 const QString expiryDateKey = QStringLiteral("expiryDate");
-
-/// What a person would count.
-int characterCount(const QString& text)
-{
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    int count = 0;
-    while (finder.toNextBoundary() >= 0)
-        ++count;
-    return count;
-}
 
 } // namespace
 

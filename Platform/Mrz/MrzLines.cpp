@@ -1,19 +1,10 @@
 #include "Platform/Mrz/MrzLines.h"
 
-#include <QTextBoundaryFinder>
+#include "Platform/Foundation/CharacterCount.h"
 
 namespace kelvara {
 
 namespace {
-
-qsizetype characters(const QString& text)
-{
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    qsizetype count = 0;
-    while (finder.toNextBoundary() >= 0)
-        ++count;
-    return count;
-}
 
 MrzLineReading withoutSpaces(const MrzLineReading& line)
 {
@@ -52,7 +43,7 @@ template<typename Lines> std::optional<Lines> longOnes(const Lines& lines)
         if (textOf(line).isEmpty())
             continue;
         filled.push_back(line);
-        lengths.push_back(characters(textOf(line)));
+        lengths.push_back(characterCount(textOf(line)));
         total += lengths.back();
     }
     if (lengths.empty())
