@@ -1,5 +1,7 @@
 #include "Platform/Mrz/MrzAlphabet.h"
 
+#include "Platform/Mrz/MrzCheckDigit.h"
+
 namespace kelvara {
 
 namespace {
@@ -105,6 +107,16 @@ bool fits(char16_t character, MrzKind kind)
         return character == u'<';
     }
     return false;
+}
+
+MrzKind shapeKind(QChar kind)
+{
+    return kind == u'A' ? MrzKind::Letter : kind == u'9' ? MrzKind::Digit : MrzKind::Filler;
+}
+
+bool weighTheSame(char16_t a, char16_t b)
+{
+    return mrzCharacterValue(a) % 10 == mrzCharacterValue(b) % 10;
 }
 
 QStringView lookAlikes(char16_t character, MrzKind kind)

@@ -19,6 +19,12 @@ enum class MrzKind {
 
 [[nodiscard]] bool fits(char16_t character, MrzKind kind);
 
+/// What a character of a shape ('A', '9', '<') stands for.
+[[nodiscard]] MrzKind shapeKind(QChar kind);
+
+/// Whether no check digit tells them apart.
+[[nodiscard]] bool weighTheSame(char16_t a, char16_t b);
+
 /// The characters of that kind that an OCR takes for this one, likeliest first; empty when there are none.
 [[nodiscard]] QStringView lookAlikes(char16_t character, MrzKind kind);
 

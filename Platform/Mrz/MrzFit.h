@@ -19,7 +19,4 @@ struct MrzFitting
 /// letters and fillers of the same weight meet.
 [[nodiscard]] MrzFitting fitMrzZone(const MrzFormat& format, MrzZone& zone);
 
-/// Adds the rivals of the characters of which the OCR itself is in doubt.
-void addDoubtfulRivals(const MrzFormat& format, const MrzShapes& shapes, MrzZone& zone);
-
 } // namespace kelvara

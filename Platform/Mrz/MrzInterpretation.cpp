@@ -2,6 +2,7 @@
 
 #include "Platform/Mrz/MrzChecks.h"
 #include "Platform/Mrz/MrzDates.h"
+#include "Platform/Mrz/MrzDoubt.h"
 #include "Platform/Mrz/MrzFit.h"
 #include "Platform/Mrz/MrzNames.h"
 #include "Platform/Mrz/MrzRivals.h"

@@ -40,11 +40,14 @@ public:
     void setToday(std::function<QDate()> today);
 
     /// The zone in these lines; absent when no two or three of them have the shape of one. A result with wrong check
-    /// digits is a result.
+    /// digits is a result. Of text alone nothing is known but its characters: with OCR correction, a document number of
+    /// no known shape is not vouched for where 6 or 0 stands beside letters or in front, as it weighs the same as G or
+    /// U.
     [[nodiscard]] std::optional<QKMRZResult> parse(const QStringList& lines) const;
 
-    /// The same with the OCR's doubt. A character of which it is uncertain counts as any of those it may be: the
-    /// reading is valid only if just one combination satisfies all check digits. A certain one is not questioned.
+    /// The same with the OCR's doubt, which counts only with OCR correction. A character of which it is uncertain
+    /// counts as any of those it may be: the reading is valid only if just one combination satisfies all check digits.
+    /// A certain one is not questioned.
     [[nodiscard]] std::optional<QKMRZResult> parse(const std::vector<MrzLineReading>& lines) const;
 
 private:
