@@ -13,6 +13,7 @@ using Operation = KernelProgram::Operation;
 using Float4 [[gnu::vector_size(16)]] = float;
 
 constexpr int kRun = 64;
+constexpr int kPart = 4 * kRun;
 using Run = std::array<Float4, kRun / 4>;
 static_assert(sizeof(Pixel) == sizeof(Float4));
 
@@ -64,9 +65,25 @@ public:
 
     void row(int y, int x0, int x1, Pixel* out) override
     {
+        // By parts, so that what the inputs write is still in the fastest cache when it is read.
+        for (int x = x0; x < x1; x += kPart)
+            part(y, x, std::min(x + kPart, x1), out + (x - x0));
+    }
+
+private:
+    struct Sample
+    {
+        std::unique_ptr<RowRenderer> rows;
+        QRect extent;
+        KernelProgram::Register first;
+        std::vector<Pixel> line;
+    };
+
+    void part(int y, int x0, int x1, Pixel* out)
+    {
         for (Sample& sample : m_samples) {
             // Whole runs are computed, whatever lies behind the last pixel.
-            sample.line.resize(std::size_t((x1 - x0 + kRun - 1) / kRun * kRun));
+            sample.line.resize(kPart);
             if (!sample.rows)
                 std::fill(sample.line.begin(), sample.line.end(), Pixel {});
             else
@@ -80,15 +97,6 @@ public:
             store(out + (x - x0), count);
         }
     }
-
-private:
-    struct Sample
-    {
-        std::unique_ptr<RowRenderer> rows;
-        QRect extent;
-        KernelProgram::Register first;
-        std::vector<Pixel> line;
-    };
 
     void load(int from)
     {

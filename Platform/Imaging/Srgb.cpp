@@ -92,6 +92,21 @@ void decodeRow(const QRgb* in, int count, bool opaque, Pixel* out)
 
 void encodeRow(const Pixel* in, int count, QRgb* out)
 {
+    // Binarised pictures have rows of nothing but pure white and black.
+    constexpr Float4 white = { 1, 1, 1, 1 };
+    constexpr Float4 black = { 0, 0, 0, 1 };
+    for (; count > 0; --count, ++in, ++out) {
+        const auto pixel = std::bit_cast<Float4>(*in);
+        const auto notWhite = std::bit_cast<std::array<std::uint64_t, 2>>(Int4(pixel != white));
+        if ((notWhite[0] | notWhite[1]) == 0) {
+            *out = 0xFFFFFFFFU;
+            continue;
+        }
+        const auto notBlack = std::bit_cast<std::array<std::uint64_t, 2>>(Int4(pixel != black));
+        if ((notBlack[0] | notBlack[1]) != 0)
+            break;
+        *out = 0xFF000000U;
+    }
     std::transform(in, in + count, out, [](const Pixel& pixel) -> QRgb {
         if (pixel.a >= kOpaque) [[likely]]
             return encodedOpaque(pixel);

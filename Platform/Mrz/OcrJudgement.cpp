@@ -16,6 +16,8 @@ constexpr double kAspectZero = 0.645;
 constexpr double kHeightStray = 0.014;
 constexpr double kAspectStray = 0.019;
 constexpr double kPixelStray = 0.5;
+constexpr double kTallO
+    = 0.8; ///< Flat glyphs lose of their height what round ones keep, so that O looks tall beside them.
 constexpr double kUsualStray = 0.015; ///< Glyphs of a line that is well preserved, from one another.
 
 /// How likely Tesseract's best candidate is right, by its rating (0 to 100) and its lead over the next: measured on
@@ -95,7 +97,7 @@ double zeroOdds(const Cell& cell, const Capital& line)
         return away * away / 2;
     };
     return distance(height, kLetterO, heightStray) - distance(height, kZero, heightStray)
-        + distance(aspect, kAspectO, aspectStray) - distance(aspect, kAspectZero, aspectStray);
+        + distance(aspect, kAspectO, aspectStray) - distance(aspect, kAspectZero, aspectStray) - kTallO;
 }
 
 } // namespace

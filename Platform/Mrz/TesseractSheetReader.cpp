@@ -5,6 +5,8 @@
 #include <tesseract/resultiterator.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace kelvara::ocr {
@@ -24,6 +26,22 @@ constexpr std::pair<const char*, const char*> kSettings[] = {
     { "chop_enable", "0" },
     { "classify_enable_learning", "0" }, // or what was read before would change what is read now
 };
+
+// Which parts of a model are there is told by its table of contents: how many, then where each begins, or -1.
+constexpr int kClassicPart = 3;
+constexpr int kNetworkPart = 17;
+
+bool hasPart(const QByteArray& model, int part)
+{
+    const auto number = [&](qsizetype at, auto zero) {
+        if (at + qsizetype(sizeof zero) <= model.size())
+            std::memcpy(&zero, model.constData() + at, sizeof zero);
+        return zero;
+    };
+    const auto parts = number(0, std::int32_t { 0 });
+    const auto begin = number(4 + 8 * qsizetype { part }, std::int64_t { 0 });
+    return part < parts && begin > 0 && begin < model.size();
+}
 
 std::vector<std::pair<QChar, float>> choicesAt(const ResultIterator& symbol)
 {
@@ -53,6 +71,11 @@ std::variant<std::unique_ptr<TesseractSheetReader>, TesseractError> TesseractShe
     };
     if (model.size() < 64)
         return refused(QStringLiteral("it is not trained data"));
+    // Rather than refuse, the library would change to a recogniser that the model has data for.
+    const bool needsClassic = mode == TesseractEngineMode::TesseractOnly || mode == TesseractEngineMode::Combined;
+    const bool needsNetwork = mode == TesseractEngineMode::LstmOnly || mode == TesseractEngineMode::Combined;
+    if ((needsClassic && !hasPart(model, kClassicPart)) || (needsNetwork && !hasPart(model, kNetworkPart)))
+        return refused(QStringLiteral("it has no data for this engine mode"));
     auto api = std::make_unique<TessBaseAPI>();
     api->SetVariable("debug_file", "/dev/null");
     std::vector<std::string> names;

@@ -33,6 +33,7 @@ struct Tally
     int wrong = 0; ///< Accepted, and a field wrong.
     long characters = 0;
     long right = 0;
+    bool tellsFailures = false;
     std::vector<double> milliseconds {};
     std::map<QString, int> confusions {};
 };
@@ -88,6 +89,20 @@ void measure(
     const auto expected = QKMRZParser(false).parse(truth);
     if (parsed && parsed->allCheckDigitsValid && expected)
         ++(sameFields(*parsed, *expected) ? tally.parsed : tally.wrong);
+    const bool right = parsed && parsed->allCheckDigitsValid && expected && sameFields(*parsed, *expected);
+    if (tally.tellsFailures && !right) {
+        std::printf("  %s: %s\n", parsed && parsed->allCheckDigitsValid ? "WRONG" : "refused",
+            qPrintable(truth.join(QLatin1Char(' '))));
+        for (const MrzLineReading& line : text ? text->lines : std::vector<MrzLineReading>()) {
+            std::printf("    %s", qPrintable(line.text));
+            for (std::size_t i = 0; i < line.certainties.size(); ++i) {
+                if (line.certainties[i] < 0.97F)
+                    std::printf("  %zu:%c/%s %.2f", i, line.text[qsizetype(i)].toLatin1(),
+                        qPrintable(line.alternatives[i]), double(line.certainties[i]));
+            }
+            std::printf("\n");
+        }
+    }
     compare(truth, text ? *text : TesseractText(), tally);
 }
 
@@ -110,6 +125,7 @@ int main(int argc, char** argv)
     options.addOption(
         { QStringLiteral("model"), QStringLiteral("Folder of another ocrb.traineddata."), QStringLiteral("folder") });
     options.addOption({ QStringLiteral("confusions"), QStringLiteral("Tell what was taken for what.") });
+    options.addOption({ QStringLiteral("failures"), QStringLiteral("Show bands that were not read.") });
     options.addOption({ QStringLiteral("condition"), QStringLiteral("Only conditions that begin so."),
         QStringLiteral("name"), QString() });
     options.process(application);
@@ -137,6 +153,7 @@ int main(int argc, char** argv)
             Tally all;
             for (const int capital : { 16, 20, 24, 32 }) {
                 Tally tally;
+                tally.tellsFailures = options.isSet(QStringLiteral("failures"));
                 for (int i = 0; i < count; ++i, ++seed) {
                     const QStringList truth = bandText(format, seed);
                     const auto band = paintBand(truth, bandOptions(condition.condition, capital, seed));

@@ -10,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 cd "$work"
 export LC_ALL=C OMP_THREAD_LIMIT=1 QT_QPA_PLATFORM=offscreen
 
-"$draw" . "${KELVARA_OCRB_SHEETS:-16}"
+"$draw" . "${KELVARA_OCRB_SHEETS:-20}"
 labels=$(ls ./*.png | cut -d. -f3 | sort -u)
 for picture in $(ls ./*.png | sort); do
     base=${picture%.png}
