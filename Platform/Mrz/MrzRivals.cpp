@@ -11,9 +11,11 @@ namespace {
 constexpr int mostExchanges = 3;
 /// More combinations than these say that the text is not worth trying.
 constexpr int mostCombinations = 1000;
-/// With more combinations than these one of them comes out right by chance too easily: one in ten satisfies a check
-/// digit.
+/// With more combinations than these one of them comes out right by chance too easily, when what is wrong is something
+/// else that nobody doubts: one in ten satisfies a check digit. Fewer where the OCR is in doubt: it is so of right
+/// characters too.
 constexpr int mostTrustedCombinations = 8;
+constexpr int mostTrustedDoubts = 3;
 
 class Search
 {
@@ -80,8 +82,9 @@ private:
         if (m_best.size() != 1)
             return false;
         const MrzCell& cell = *m_best.front().first;
-        return m_combinations <= mostTrustedCombinations
-            && (cell.isCertaintyKnown() || (cell.rivals.size() == 1 && cell.isMisplaced));
+        return cell.isCertaintyKnown()
+            ? m_combinations <= mostTrustedDoubts
+            : m_combinations <= mostTrustedCombinations && cell.rivals.size() == 1 && cell.isMisplaced;
     }
 
     const MrzFormat& m_format;
