@@ -1,7 +1,6 @@
 #include "Platform/Imaging/ColorKernelNode.h"
 
 #include <bit>
-#include <cstring>
 #include <span>
 
 namespace kelvara::imaging {
@@ -119,9 +118,18 @@ private:
         const Run& b = m_registers[result[2]];
         const Run& a = m_registers[result[3]];
         for (std::size_t i = 0; count > 0; ++i, count -= 4, out += 4) {
-            std::array<Float4, 4> pixels { r[i], g[i], b[i], a[i] };
-            transpose(pixels[0], pixels[1], pixels[2], pixels[3]);
-            std::memcpy(static_cast<void*>(out), pixels.data(), sizeof(Pixel) * std::size_t(std::min(count, 4)));
+            Float4 first = r[i];
+            Float4 second = g[i];
+            Float4 third = b[i];
+            Float4 fourth = a[i];
+            transpose(first, second, third, fourth);
+            out[0] = std::bit_cast<Pixel>(first);
+            if (count > 1)
+                out[1] = std::bit_cast<Pixel>(second);
+            if (count > 2)
+                out[2] = std::bit_cast<Pixel>(third);
+            if (count > 3)
+                out[3] = std::bit_cast<Pixel>(fourth);
         }
     }
 

@@ -1,6 +1,7 @@
 #include "Platform/Imaging/LanczosNode.h"
 
 #include <bit>
+#include <climits>
 #include <cmath>
 #include <cstring>
 #include <numbers>
@@ -36,7 +37,16 @@ struct Taps
     {
         const double stretch = std::max(1.0, 1.0 / factor); // reducing, the kernel covers more input
         count = 2 * int(std::ceil(kLobes * stretch - 1e-9));
+        // Enlarged by a whole number, positions have the weights of those so many before them.
+        const int period = factor == std::floor(factor) ? int(factor) : INT_MAX;
         for (int out = outFrom; out <= outTo; ++out) {
+            if (out - outFrom >= period) {
+                const auto before = std::size_t(out - outFrom - period);
+                first.push_back(first[before] + 1);
+                for (std::size_t i = 0; i < std::size_t(count); ++i)
+                    weights.push_back(float { weights[before * std::size_t(count) + i] });
+                continue;
+            }
             const double center = (out + 0.5) / factor - 0.5;
             first.push_back(int(std::floor(center)) - count / 2 + 1);
             double sum = 0;
