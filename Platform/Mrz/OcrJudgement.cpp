@@ -19,6 +19,8 @@ constexpr double kPixelStray = 0.5;
 constexpr double kTallO
     = 0.8; ///< Flat glyphs lose of their height what round ones keep, so that O looks tall beside them.
 constexpr double kUsualStray = 0.015; ///< Glyphs of a line that is well preserved, from one another.
+/// There the odds are that much better than independent normal strays would make them (measured).
+constexpr double kSharpness = 1.5;
 
 /// How likely Tesseract's best candidate is right, by its rating (0 to 100) and its lead over the next: measured on
 /// bands of all conditions.
@@ -96,8 +98,10 @@ double zeroOdds(const Cell& cell, const Capital& line)
         const double away = std::min(std::abs(value - mean) / stray, 4.0);
         return away * away / 2;
     };
-    return distance(height, kLetterO, heightStray) - distance(height, kZero, heightStray)
-        + distance(aspect, kAspectO, aspectStray) - distance(aspect, kAspectZero, aspectStray) - kTallO;
+    const bool preserved = line.stray < 2 * kUsualStray * capital;
+    return (preserved ? kSharpness : 1.0)
+        * (distance(height, kLetterO, heightStray) - distance(height, kZero, heightStray)
+            + distance(aspect, kAspectO, aspectStray) - distance(aspect, kAspectZero, aspectStray) - kTallO);
 }
 
 } // namespace

@@ -76,8 +76,10 @@ QStringList bandText(BandFormat format, std::uint32_t seed)
     const QString state = QString::fromUtf16(dice.pick(std::span<const char16_t* const>(kStates)));
     const auto padded = [](const QString& text, int length) { return text.leftJustified(length, u'<', true); };
     const bool turkish = state == QStringLiteral("TUR") && format == BandFormat::TD1;
-    const QString documentNumber = turkish ? letters(dice, 1) + digits(dice, 2) + letters(dice, 1) + digits(dice, 5)
-                                           : padded(number(dice, dice.chance(0.85) ? 9 : 8), 9);
+    const bool turkishPassport = state == QStringLiteral("TUR") && format == BandFormat::TD3;
+    const QString documentNumber = turkishPassport ? letters(dice, 1) + digits(dice, 8)
+        : turkish ? letters(dice, 1) + digits(dice, 2) + letters(dice, 1) + digits(dice, 5)
+                  : padded(number(dice, dice.chance(0.85) ? 9 : 8), 9);
     const QString birth = checked(date(dice, 1940, 2005));
     const QString sex = dice.chance(0.5) ? QStringLiteral("M") : QStringLiteral("F");
     const QString expiry = checked(date(dice, 2027, 2036));
