@@ -51,6 +51,16 @@ QRgb encodedTranslucent(const Pixel& pixel)
         premultiplied(pixel.r), premultiplied(pixel.g), premultiplied(pixel.b), int(std::lround(255.0F * alpha)));
 }
 
+Pixel decodedTranslucent(QRgb pixel)
+{
+    const int alpha = qAlpha(pixel);
+    if (alpha == 0)
+        return {};
+    const float a = float(alpha) / 255.0F;
+    const auto linear = [&](int byte) { return a * srgbDecoded(float(byte) / float(alpha)); };
+    return { linear(qRed(pixel)), linear(qGreen(pixel)), linear(qBlue(pixel)), a };
+}
+
 } // namespace
 
 const std::array<float, 256> kLinearOfByte = [] {
@@ -74,14 +84,10 @@ float srgbEncoded(float linear)
 
 Pixel decodedPremultiplied(QRgb pixel)
 {
-    const int alpha = qAlpha(pixel);
-    if (alpha == 255)
+    // The rare pixel has a function of its own, so that this one is small enough to become part of loops.
+    if (qAlpha(pixel) == 255) [[likely]]
         return { kLinearOfByte[qRed(pixel)], kLinearOfByte[qGreen(pixel)], kLinearOfByte[qBlue(pixel)], 1.0F };
-    if (alpha == 0)
-        return {};
-    const float a = float(alpha) / 255.0F;
-    const auto linear = [&](int byte) { return a * srgbDecoded(float(byte) / float(alpha)); };
-    return { linear(qRed(pixel)), linear(qGreen(pixel)), linear(qBlue(pixel)), a };
+    return decodedTranslucent(pixel);
 }
 
 void decodeRow(const QRgb* in, int count, bool opaque, Pixel* out)
