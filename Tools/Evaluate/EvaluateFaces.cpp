@@ -1,6 +1,6 @@
 // Finds faces in photographed specimen cards, selfies and pictures without a face, and prints how often that was right.
 //
-//   EvaluateFaces [first seed = 1] [pictures a class = 100] [least score = the library's own]
+//   kelvara-evaluate-faces [first seed = 5000000] [pictures a class = 100] [least score = the library's own]
 
 #include "Platform/Vision/NativeFaceDetector.h"
 #include "Platform/Vision/VisionImage.h"
@@ -144,7 +144,7 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
-    const auto first = static_cast<std::uint32_t>(argc > 1 ? std::atoi(argv[1]) : 1);
+    const auto first = static_cast<std::uint32_t>(argc > 1 ? std::atoi(argv[1]) : 5000000);
     const auto count = static_cast<std::uint32_t>(argc > 2 ? std::atoi(argv[2]) : 100);
     const auto detector
         = argc > 3 ? makeFaceDetector(static_cast<float>(std::atof(argv[3]))) : makeNativeFaceDetector();
