@@ -104,6 +104,21 @@ double zeroOdds(const Cell& cell, const Capital& line)
             + distance(aspect, kAspectO, aspectStray) - distance(aspect, kAspectZero, aspectStray) - kTallO);
 }
 
+/// A line one longer than a document's, with just one place where nothing was seen: an uneven gap, not a filler.
+void dropSuperfluous(MrzLineReading& reading)
+{
+    const qsizetype length = reading.text.size() - 1;
+    if (length != 30 && length != 36 && length != 44)
+        return;
+    auto& certainties = reading.certainties;
+    if (std::count(certainties.begin(), certainties.end(), 0.0F) != 1)
+        return;
+    const auto at = std::find(certainties.begin(), certainties.end(), 0.0F) - certainties.begin();
+    reading.text.remove(at, 1);
+    reading.alternatives.erase(reading.alternatives.begin() + at);
+    certainties.erase(certainties.begin() + at);
+}
+
 } // namespace
 
 MrzLineReading judged(const Line& line, const std::vector<Candidates>& candidates)
@@ -133,6 +148,7 @@ MrzLineReading judged(const Line& line, const std::vector<Candidates>& candidate
         auto& certainty = reading.certainties[std::size_t(i)];
         certainty = std::min(certainty, float(std::clamp(1 / (1 + std::exp(-std::abs(odds))), 0.5, 0.999)));
     }
+    dropSuperfluous(reading);
     return reading;
 }
 

@@ -49,7 +49,8 @@ std::vector<std::pair<QChar, float>> choicesAt(const ResultIterator& symbol)
     ChoiceIterator choice(symbol);
     do {
         const QString text = QString::fromUtf8(choice.GetUTF8Text());
-        if (text.size() == 1)
+        // Of a smudge the library may make a space.
+        if (text.size() == 1 && (text.front().isLetterOrNumber() || text.front() == u'<'))
             ranked.emplace_back(text.front(), choice.Confidence());
     } while (choice.Next());
     return ranked;
