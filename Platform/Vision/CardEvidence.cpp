@@ -65,11 +65,11 @@ CardFeatures featuresOf(const CardCandidate& candidate)
 
 float score(const CardCandidate& candidate)
 {
-    // Learnt from photographed scenes by Tools/Evaluate/FitRectangleScore.cpp (400 pictures a class).
-    static constexpr CardFeatures weights { -16.019F, -11.271F, 53.179F, -0.49921F, 23.343F, 1.3814F, -1.5871F,
-        -0.72397F, 1.4045F, -3.0022F, 1.2678F, -10.756F, 0.56013F, 2.2582F, 1.4241F, 3.6561F, 4.1644F };
+    // Learnt from photographed scenes by Tools/Evaluate/FitRectangleScore.cpp (900 pictures a class).
+    static constexpr CardFeatures weights { -18.456F, -13.252F, 61.969F, -0.63969F, 22.542F, 1.3798F, -1.6316F,
+        -0.20897F, 0.50109F, -2.7807F, 1.2788F, -10.549F, 0.65927F, 2.1165F, 1.3574F, 3.5031F, 4.0176F };
     const CardFeatures features = featuresOf(candidate);
-    float sum = -41.163F;
+    float sum = -44.654F;
     for (std::size_t i = 0; i < features.size(); ++i)
         sum += weights[i] * features[i];
     return sum;
