@@ -8,7 +8,7 @@ namespace kelvara::demo {
 
 namespace {
 
-constexpr int kSmallestSide = 240;
+constexpr int kSmallestSide = 320;
 constexpr int kLargestSide = 4096;
 constexpr double kLongestLimit = 3600;
 

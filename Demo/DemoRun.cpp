@@ -58,10 +58,19 @@ DemoRun::~DemoRun() = default;
 
 int DemoRun::exec()
 {
-    if (const auto problem = m_folder.prepare())
-        return fail(BadInput, *problem);
+    if (m_options.byHand && !m_byHand)
+        return fail(BadInput, QStringLiteral("--by-hand needs a display."));
+    for (const QString& path : { m_options.cardFront, m_options.cardBack, m_options.selfie }) {
+        if (!path.isEmpty() && m_folder.holds(path)) {
+            return fail(BadInput,
+                QStringLiteral("\"%1\" lies in the out folder, which this run would empty. Choose another --out.").arg(path));
+        }
+    }
+    // The cameras first: what cannot be shown must not cost an earlier run's results.
     if (!openCameras())
         return m_exitCode;
+    if (const auto problem = m_folder.prepare())
+        return fail(BadInput, *problem);
     runFlow();
     return report();
 }

@@ -57,12 +57,22 @@ double areaOf(const QPolygonF& quad)
     return std::abs(twice) / 2;
 }
 
+double aspectOf(const QSize& size)
+{
+    return static_cast<double>(std::max(size.width(), size.height()))
+        / std::max(1, std::min(size.width(), size.height()));
+}
+
 /// ID-1, give or take a scanner's margin.
 bool hasCardShape(const QSize& size)
 {
-    const double aspect = static_cast<double>(std::max(size.width(), size.height()))
-        / std::max(1, std::min(size.width(), size.height()));
-    return aspect > 1.54 && aspect < 1.64;
+    return aspectOf(size) > 1.54 && aspectOf(size) < 1.64;
+}
+
+/// A card cut out by hand, more or less along its edges; not a camera's 4:3, 3:2 or 16:9.
+bool mayBeCard(const QSize& size)
+{
+    return aspectOf(size) > 1.51 && aspectOf(size) < 1.70;
 }
 
 QPointF middleOf(const QPolygonF& quad)
@@ -103,14 +113,17 @@ PictureFit PictureFitter::fitCard(const QImage& picture, bool front) const
         // The portrait tells which way is up, and a card from a rectangle that is none.
         for (const QPolygonF& card : cards) {
             if (const auto toFrame = layUpright(picture, card, kCardFill))
-                return { *toFrame, true };
+                return { *toFrame, true, false };
         }
         if (const auto toFrame = layUpright(picture, edges, kEdgeToEdgeFill))
-            return { *toFrame, false };
+            return { *toFrame, false, true };
     }
     if (!cards.empty())
-        return { layCard(cards.front(), kCardFill, 0), true };
-    return { layCard(edges, kEdgeToEdgeFill, 0), false };
+        return { layCard(cards.front(), kCardFill, 0), true, false };
+    // On the neutral margin any picture would look like a card: only one that may be a card is laid there.
+    if (mayBeCard(picture.size()))
+        return { layCard(edges, kEdgeToEdgeFill, 0), false, true };
+    return { layWhole(picture), false, false };
 }
 
 std::optional<QTransform> PictureFitter::layUpright(const QImage& picture, const QPolygonF& card, double fill) const
@@ -183,12 +196,17 @@ PictureFit PictureFitter::fitFace(const QImage& picture) const
         const double toOval = kFaceHeight * m_areas.oval.height() / face->height();
         return { look * QTransform::fromTranslate(-face->center().x(), -face->center().y())
                 * QTransform::fromScale(toOval, toOval) * QTransform::fromTranslate(target.x(), target.y()),
-            true };
+            true, false };
     }
+    return { layWhole(picture), false, false };
+}
+
+QTransform PictureFitter::layWhole(const QImage& picture) const
+{
+    const QSizeF size(picture.size());
     const double filling = std::max(m_areas.frame.width() / size.width(), m_areas.frame.height() / size.height());
-    return { QTransform::fromTranslate(-middle.x(), -middle.y()) * QTransform::fromScale(filling, filling)
-            * QTransform::fromTranslate(m_areas.frame.width() / 2.0, m_areas.frame.height() / 2.0),
-        false };
+    return QTransform::fromTranslate(-size.width() / 2, -size.height() / 2) * QTransform::fromScale(filling, filling)
+        * QTransform::fromTranslate(m_areas.frame.width() / 2.0, m_areas.frame.height() / 2.0);
 }
 
 QColor PictureFitter::margin()

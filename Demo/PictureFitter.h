@@ -18,6 +18,7 @@ struct PictureFit
 {
     QTransform toFrame; ///< From the picture's pixels to the frame's.
     bool found = false; ///< Whether the card or face was found; if not, the fit is a guess.
+    bool takenForCard = false; ///< Not found, but the picture has about a card's shape and is laid as one.
 };
 
 /// Lays pictures as people have them (a phone's photograph, a scan, a portrait) into a camera frame so that what they
@@ -43,6 +44,8 @@ private:
     [[nodiscard]] bool showsFace(const QImage& picture, const QTransform& toFrame) const;
     [[nodiscard]] PictureFit fitCard(const QImage& picture, bool front) const;
     [[nodiscard]] PictureFit fitFace(const QImage& picture) const;
+    /// The whole picture over the whole frame.
+    [[nodiscard]] QTransform layWhole(const QImage& picture) const;
 
     PictureAnalysis m_analysis;
     ScanAreas m_areas;

@@ -78,8 +78,8 @@ MovieClip ReplayStage::fitted(Subject subject) const
     const QImage first = source->latest();
     const PictureFit fit = PictureFitter(m_analysis, m_areas).fit(first, subject);
     const QString outcome = fit.found ? QStringLiteral("was found")
-        : subject == Subject::Selfie  ? QStringLiteral("was not found; the picture is shown as a whole")
-                                      : QStringLiteral("was not found; the picture is taken to be the card itself");
+        : fit.takenForCard            ? QStringLiteral("was not found; the picture is taken to be the card itself")
+                                      : QStringLiteral("was not found; the picture is shown as a whole");
     std::printf("%s (%d×%d): %s %s.\n", qUtf8Printable(m_paths[slot(subject)]), first.width(), first.height(),
         subject == Subject::Selfie ? "a face" : "the card", qUtf8Printable(outcome));
     std::fflush(stdout);

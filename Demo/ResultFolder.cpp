@@ -1,6 +1,7 @@
 #include "Demo/ResultFolder.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QRegularExpression>
 
@@ -47,6 +48,13 @@ std::optional<QString> ResultFolder::prepare()
     }
     writeFile(QLatin1String(kResult), "{}\n"); // what cannot be written is better known before the run than after it
     return m_problem.isEmpty() ? std::nullopt : std::optional(m_problem);
+}
+
+bool ResultFolder::holds(const QString& path) const
+{
+    const QString folder = m_folder.canonicalPath();
+    const QString file = QFileInfo(path).canonicalFilePath();
+    return !folder.isEmpty() && !file.isEmpty() && (file == folder || file.startsWith(folder + QLatin1Char('/')));
 }
 
 QString ResultFolder::nextName(const QString& kind, const QString& name)

@@ -21,6 +21,9 @@ public:
     /// Makes the folder, and takes an earlier run's files out of it (no others). One sentence if that fails.
     [[nodiscard]] std::optional<QString> prepare();
 
+    /// Whether `path` is this folder or lies in it.
+    [[nodiscard]] bool holds(const QString& path) const;
+
     /// Writes a picture as `kind`-NN-`name`.png, numbered within its kind; the file's name.
     QString write(const QString& kind, const QString& name, const QImage& image);
 

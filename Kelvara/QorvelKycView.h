@@ -27,7 +27,9 @@ template<typename T> class LinkedListViewType;
 ///     view->setViewTypes({ ViewType::idPhoto, ViewType::selfie });
 ///
 /// The view's own background is clear: put something dark behind it. It may be deleted at any time, inside any call of
-/// its delegate too. No operation reports an error: what the device lacks is told to the person on the screen.
+/// its delegate too. No operation reports an error: what the device lacks is told to the person on the screen, and
+/// `isScanning` tells the host whether a camera runs. A device that is there but gives no pictures (a replay camera
+/// whose file is missing) shows an empty preview.
 class QorvelKycView : public QWidget
 {
     Q_OBJECT
@@ -55,11 +57,11 @@ public:
     void setDelegate(QorvelKycViewDelegate* delegate);
 
     /// The steps as set. Setting them starts at the first one; an empty list keeps the screen as it is. Completion is
-    /// for good: once the end was reached, new steps change nothing on the screen.
+    /// for good: once the end was reached, new steps change nothing on the screen; a new view starts again.
     [[nodiscard]] QList<ViewType> viewTypes() const;
     void setViewTypes(const QList<ViewType>& types);
 
-    /// The steps as the list that the flow walks; rebuilt at every `setViewTypes`.
+    /// The steps as the list that the flow walks; rebuilt at every `setViewTypes`. Include LinkedListViewType.h to use it.
     [[nodiscard]] const LinkedListViewType<ViewType>& viewTypeLinkedList() const;
 
     /// Whether the camera runs. Follows the session a turn of the event loop later.

@@ -115,6 +115,8 @@ bool ReplayCamera::start(AVCaptureFrameSink sink)
 {
     if (d->refusesToStart || d->inUseElsewhere)
         return false;
+    if (const auto problem = d->producer.problem())
+        qWarning("%s", qUtf8Printable(*problem));
     return d->producer.start(std::move(sink));
 }
 

@@ -78,6 +78,12 @@ void ReplayProducer::setSource(ReplaySource source)
     m_sourceChanged = true;
 }
 
+std::optional<QString> ReplayProducer::problem() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_source.problem();
+}
+
 void ReplayProducer::setStalled(bool stalled)
 {
     {

@@ -27,6 +27,7 @@ public:
     void stop();
 
     void setSource(ReplaySource source);
+    [[nodiscard]] std::optional<QString> problem() const;
     void setStalled(bool stalled);
     /// False when that was so already.
     bool setConnected(bool connected);

@@ -178,12 +178,15 @@ TEST_P(DemoRefusals, EndWithOneSentence)
     writeFile(place.filePath(text("letter.jpg")), "Dear Sir or Madam");
     writeFile(
         place.filePath(text("broken.mp4")), QByteArray::fromHex("00000018667479706d703432") + QByteArray(4000, 'x'));
+    ASSERT_TRUE(QDir(place.path()).mkdir(text("out")));
+    writeFile(place.filePath(text("out/picture-01-mine.png")), "kept");
     QStringList arguments { text("--out"), place.filePath(text("out")) };
     for (QString argument : GetParam().arguments)
         arguments.append(argument.replace(QLatin1Char('@'), place.path()));
     const DemoProcess demo = DemoProcess::run(arguments);
     EXPECT_EQ(demo.exitCode, 2);
     EXPECT_TRUE(demo.complained.contains(text(GetParam().sentence))) << qPrintable(demo.complained);
+    EXPECT_TRUE(QFile::exists(place.filePath(text("out/picture-01-mine.png")))) << "a refusal costs no earlier result";
     const bool isUsage = demo.complained.contains(text("Usage:"));
     EXPECT_TRUE(isUsage || demo.complained.count(QLatin1Char('\n')) == 1) << qPrintable(demo.complained);
 }
@@ -200,6 +203,8 @@ INSTANTIATE_TEST_SUITE_P(Rows, DemoRefusals,
         Refusal { "NotAPicture", { text("--card-front"), text("@/letter.jpg") }, "letter.jpg" },
         Refusal { "EmptyFolder", { text("--card-back"), text("@/empty") }, "empty" },
         Refusal { "DamagedVideo", { text("--selfie"), text("@/broken.mp4") }, "broken.mp4" },
+        Refusal { "InputInOut", { text("--selfie"), text("@/out/picture-01-mine.png") }, "lies in the out folder" },
+        Refusal { "ByHandUnseen", { text("--by-hand") }, "--by-hand needs a display" },
         Refusal { "OutIsAFile", { text("--out"), text("@/letter.jpg") }, "cannot be made" }),
     [](const auto& row) { return std::string(row.param.name); });
 
