@@ -68,7 +68,8 @@ PlatformServices replayServices(QSize frame)
     options.fill = 0.93;
     const QImage picture = photograph(data, options).image;
     const auto camera = [&](AVCaptureDevicePosition position) {
-        return std::make_shared<ReplayCamera>(ReplaySource::still(picture), ReplayCameraOptions { .position = position });
+        return std::make_shared<ReplayCamera>(
+            ReplaySource::still(picture), ReplayCameraOptions { .position = position });
     };
     return { .cameras = std::make_shared<ReplayCameraProvider>(
                  camera(AVCaptureDevicePosition::Back), camera(AVCaptureDevicePosition::Front)),

@@ -63,7 +63,8 @@ int DemoRun::exec()
     for (const QString& path : { m_options.cardFront, m_options.cardBack, m_options.selfie }) {
         if (!path.isEmpty() && m_folder.holds(path)) {
             return fail(BadInput,
-                QStringLiteral("\"%1\" lies in the out folder, which this run would empty. Choose another --out.").arg(path));
+                QStringLiteral("\"%1\" lies in the out folder, which this run would empty. Choose another --out.")
+                    .arg(path));
         }
     }
     // The cameras first: what cannot be shown must not cost an earlier run's results.

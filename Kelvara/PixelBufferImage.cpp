@@ -13,8 +13,8 @@ std::optional<QImage> cgImage(const CVPixelBuffer& buffer)
     auto owner = std::make_unique<std::shared_ptr<const void>>(buffer.owner());
     QImage image(
         buffer.baseAddress(), buffer.width(), buffer.height(), static_cast<qsizetype>(buffer.bytesPerRow()),
-        QImage::Format_ARGB32_Premultiplied,
-        [](void* info) { delete static_cast<std::shared_ptr<const void>*>(info); }, owner.get());
+        QImage::Format_ARGB32_Premultiplied, [](void* info) { delete static_cast<std::shared_ptr<const void>*>(info); },
+        owner.get());
     if (image.isNull())
         return std::nullopt;
     owner.release(); // the image's now

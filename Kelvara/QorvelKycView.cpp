@@ -17,21 +17,13 @@ constexpr std::chrono::milliseconds kRefreshInterval { 2000 };
 } // namespace
 
 QorvelKycViewPrivate::QorvelKycViewPrivate(QorvelKycView* view, PlatformServices platform)
-    : q(view)
-    , services(std::move(platform))
-    , takePhotoButton(new CircleButton(view))
-    , cutoutView(new QKCutoutView(view))
-    , cutoutSelfieView(new OvalOverlayView(view))
-    , idPhotoLabel(new StatementLabel(view))
-    , flashButton(new ToggleButton(view))
-    , nfcReadLabel(new StatementLabel(view))
-    , jitsiLabel(new StatementLabel(view))
-    , jitsiButton(new ActionButton(view))
-    , informationLabel(new StatementLabel(view))
-    , nfcReadButton(new ActionButton(view))
-    , informationNextButton(new ActionButton(view))
-    , closeButton(new IconButton(view))
-    , flipImageView(new FlipImageView(view))
+    : q(view), services(std::move(platform)), takePhotoButton(new CircleButton(view)),
+      cutoutView(new QKCutoutView(view)), cutoutSelfieView(new OvalOverlayView(view)),
+      idPhotoLabel(new StatementLabel(view)), flashButton(new ToggleButton(view)),
+      nfcReadLabel(new StatementLabel(view)), jitsiLabel(new StatementLabel(view)), jitsiButton(new ActionButton(view)),
+      informationLabel(new StatementLabel(view)), nfcReadButton(new ActionButton(view)),
+      informationNextButton(new ActionButton(view)), closeButton(new IconButton(view)),
+      flipImageView(new FlipImageView(view))
 {
     // Controls belong to no screen until one is composed.
     const auto controls = view->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
@@ -125,13 +117,11 @@ QorvelKycView::QorvelKycView(const QRectF& frame, PlatformServices services, QWi
 
 QorvelKycView::QorvelKycView(PlatformServices services, QWidget* parent)
     : QorvelKycView(QRectF(), std::move(services), parent)
-{
-}
+{ }
 
 QorvelKycView::QorvelKycView(const QRectF& frame, QWidget* parent)
     : QorvelKycView(frame, PlatformServices::native(), parent)
-{
-}
+{ }
 
 QorvelKycView::QorvelKycView(QWidget* parent) : QorvelKycView(PlatformServices::native(), parent) { }
 

@@ -61,7 +61,8 @@ public:
     [[nodiscard]] QList<ViewType> viewTypes() const;
     void setViewTypes(const QList<ViewType>& types);
 
-    /// The steps as the list that the flow walks; rebuilt at every `setViewTypes`. Include LinkedListViewType.h to use it.
+    /// The steps as the list that the flow walks; rebuilt at every `setViewTypes`. Include LinkedListViewType.h to use
+    /// it.
     [[nodiscard]] const LinkedListViewType<ViewType>& viewTypeLinkedList() const;
 
     /// Whether the camera runs. Follows the session a turn of the event loop later.

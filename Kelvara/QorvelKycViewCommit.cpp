@@ -42,8 +42,8 @@ void store(SdkModel& record, const RecordFields& fields, const std::optional<QIm
     record.*fields.croppedText = texts.second;
 }
 
-using CaptureCall = void (QorvelKycViewDelegate::*)(
-    QorvelKycView&, const UIImage&, const QString&, const UIImage&, const QString&);
+using CaptureCall
+    = void (QorvelKycViewDelegate::*)(QorvelKycView&, const UIImage&, const QString&, const UIImage&, const QString&);
 
 void report(QorvelKycViewDelegate* delegate, CaptureCall call, QorvelKycView& view, const SdkModel& record,
     const RecordFields& fields)

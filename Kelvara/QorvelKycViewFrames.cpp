@@ -94,9 +94,8 @@ std::shared_ptr<VNRequest> QorvelKycViewPrivate::facesRequest()
 {
     if (!lazyFacesRequest)
         lazyFacesRequest = std::make_shared<VNDetectFaceRectanglesRequest>(
-            [this](const VNRequest& request, const std::optional<VNError>& error) {
-                handleFacesRequest(request, error);
-            });
+            [this](
+                const VNRequest& request, const std::optional<VNError>& error) { handleFacesRequest(request, error); });
     return lazyFacesRequest;
 }
 

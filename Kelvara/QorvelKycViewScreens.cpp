@@ -48,8 +48,7 @@ void addOrRemove(bool isAdd, std::initializer_list<QWidget*> controls)
 void QorvelKycViewPrivate::initiateStatement()
 {
     initiateLabel(idPhotoLabel,
-        QString::fromUtf8(
-            "T.C Kimlik Kartınızın ön yüzünü yukarıda belirtilen alan içerisine yerleştiriniz."),
+        QString::fromUtf8("T.C Kimlik Kartınızın ön yüzünü yukarıda belirtilen alan içerisine yerleştiriniz."),
         kStatementSize);
 }
 
@@ -185,7 +184,8 @@ void QorvelKycViewPrivate::add_removeFlipImageView(bool isAdd)
 void QorvelKycViewPrivate::watchOverlays()
 {
     // A cut-out is known from the first drawing on and moves with every later one.
-    for (DimmingOverlay* overlay : { static_cast<DimmingOverlay*>(cutoutView), static_cast<DimmingOverlay*>(cutoutSelfieView) })
+    for (DimmingOverlay* overlay :
+        { static_cast<DimmingOverlay*>(cutoutView), static_cast<DimmingOverlay*>(cutoutSelfieView) })
         QObject::connect(overlay, &DimmingOverlay::drawn, q, [this] { publishGeometry(); });
 }
 

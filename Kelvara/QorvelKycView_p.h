@@ -113,8 +113,8 @@ public:
     void publishGeometry();
 
     // Per frame: QorvelKycViewFrames.cpp (videoQueue)
-    void captureOutput(AVCaptureVideoDataOutput& output, const CMSampleBuffer& sampleBuffer,
-        AVCaptureConnection& connection) override;
+    void captureOutput(
+        AVCaptureVideoDataOutput& output, const CMSampleBuffer& sampleBuffer, AVCaptureConnection& connection) override;
     void performVisionRequest(const QImage& image, CGImagePropertyOrientation orientation);
     [[nodiscard]] std::vector<std::shared_ptr<VNRequest>> createVisionRequests();
     [[nodiscard]] std::shared_ptr<VNRequest> rectanglesRequest();

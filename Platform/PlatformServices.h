@@ -14,10 +14,10 @@ class VisionDetectors;
 /// The objects are shared with the view. Main thread.
 struct PlatformServices
 {
-    std::shared_ptr<CameraProvider> cameras;               ///< Null: a device without cameras.
-    std::shared_ptr<const VisionDetectors> imageAnalysis;  ///< Null: nothing is ever found.
-    std::shared_ptr<NFCReaderSession> nfc;                 ///< Null: a device without a contactless reader.
-    std::shared_ptr<UserDefaults> userDefaults;            ///< Null: nothing is remembered.
+    std::shared_ptr<CameraProvider> cameras; ///< Null: a device without cameras.
+    std::shared_ptr<const VisionDetectors> imageAnalysis; ///< Null: nothing is ever found.
+    std::shared_ptr<NFCReaderSession> nfc; ///< Null: a device without a contactless reader.
+    std::shared_ptr<UserDefaults> userDefaults; ///< Null: nothing is remembered.
 
     /// The device's own: real cameras through Qt Multimedia, OpenCV detectors, stored user defaults.
     [[nodiscard]] static PlatformServices native();

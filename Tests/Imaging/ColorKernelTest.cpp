@@ -100,7 +100,8 @@ TEST(ColorKernel, TakesItsArgumentsAndItsExtent)
     QImage half(150, 40, QImage::Format_RGB32);
     half.fill(qRgb(188, 0, 0));
     const auto product = two->apply(extent, Arguments { CIImage(half), CIImage(half) });
-    EXPECT_EQ(qRed(CIContext::shared().createCGImage(*product, extent)->pixel(100, 20)) / 2, 94 / 2); // a quarter of light at half the cover
+    EXPECT_EQ(qRed(CIContext::shared().createCGImage(*product, extent)->pixel(100, 20)) / 2,
+        94 / 2); // a quarter of light at half the cover
 }
 
 } // namespace

@@ -68,8 +68,7 @@ struct TroubleRow
 };
 
 class Trouble : public testing::TestWithParam<TroubleRow>
-{
-};
+{ };
 
 TEST_P(Trouble, IsWrittenDownAndHarmless)
 {
@@ -133,8 +132,7 @@ struct ScanAreaRow
 };
 
 class ScanArea : public testing::TestWithParam<ScanAreaRow>
-{
-};
+{ };
 
 /// The analysed picture is the cut-out as the aspect-filled preview shows it, whichever way the sensor lies.
 TEST_P(ScanArea, IsWhatTheCutoutShows)
@@ -158,15 +156,14 @@ TEST_P(ScanArea, IsWhatTheCutoutShows)
 // Aspect-fill of 270 × 480 into 390 × 844 points shows 480 rows on 844 points; of 640 × 480 into 844 × 390 it shows
 // 640 columns on 844 points.
 INSTANTIATE_TEST_SUITE_P(All, ScanArea,
-    testing::Values(
-        ScanAreaRow { "uprightCard", { 390, 844 }, { 270, 480 }, 0, idPhoto,
-            { 351 * 480 / 844.0, 351 / 1.42 * 480 / 844.0 } },
+    testing::Values(ScanAreaRow { "uprightCard", { 390, 844 }, { 270, 480 }, 0, idPhoto,
+                        { 351 * 480 / 844.0, 351 / 1.42 * 480 / 844.0 } },
         ScanAreaRow { "phoneSensorCard", { 390, 844 }, { 270, 480 }, 90, idPhoto,
             { 351 * 480 / 844.0, 351 / 1.42 * 480 / 844.0 } },
-        ScanAreaRow { "phoneSensorSelfie", { 390, 844 }, { 270, 480 }, 270, selfie,
-            { 300 * 480 / 844.0, 400 * 480 / 844.0 } },
-        ScanAreaRow { "webcam", { 844, 390 }, { 640, 480 }, 0, idPhoto,
-            { 292.5 * 1.42 * 640 / 844.0, 292.5 * 640 / 844.0 } }),
+        ScanAreaRow {
+            "phoneSensorSelfie", { 390, 844 }, { 270, 480 }, 270, selfie, { 300 * 480 / 844.0, 400 * 480 / 844.0 } },
+        ScanAreaRow {
+            "webcam", { 844, 390 }, { 640, 480 }, 0, idPhoto, { 292.5 * 1.42 * 640 / 844.0, 292.5 * 640 / 844.0 } }),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Camera, OnlyTheFirstFaceIsKept)

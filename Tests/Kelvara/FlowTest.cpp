@@ -33,8 +33,7 @@ struct ScreenRow
 };
 
 class Screens : public testing::TestWithParam<ScreenRow>
-{
-};
+{ };
 
 TEST_P(Screens, TellWhatStandsInTheWay)
 {
@@ -114,8 +113,7 @@ struct NextRow
 };
 
 class Next : public testing::TestWithParam<NextRow>
-{
-};
+{ };
 
 TEST_P(Next, FollowsTheFirstNodeThatHoldsTheStep)
 {

@@ -33,8 +33,7 @@ void bringAbout(Stage& stage, const QString& call)
 }
 
 class InsideACallback : public testing::TestWithParam<const char*>
-{
-};
+{ };
 
 TEST_P(InsideACallback, TheViewMayBeDeleted)
 {
@@ -142,8 +141,7 @@ struct SizeRow
 };
 
 class OddSizes : public testing::TestWithParam<SizeRow>
-{
-};
+{ };
 
 TEST_P(OddSizes, AreAnalysedWithoutHarm)
 {
@@ -173,13 +171,13 @@ TEST(RoughHandling, TheFrameSizeMayChangeInMidStream)
     Device device = Device::phone();
     ReplayCameraOptions fast;
     fast.framesPerSecond = 100;
-    device.back = std::make_shared<ReplayCamera>(
-        ReplaySource::generator([](std::int64_t index, std::chrono::microseconds) {
-            QImage image(index % 2 ? QSize(270, 480) : QSize(135, 241), QImage::Format_ARGB32_Premultiplied);
-            image.fill(Qt::gray);
-            return image;
-        }),
-        fast);
+    device.back
+        = std::make_shared<ReplayCamera>(ReplaySource::generator([](std::int64_t index, std::chrono::microseconds) {
+              QImage image(index % 2 ? QSize(270, 480) : QSize(135, 241), QImage::Format_ARGB32_Premultiplied);
+              image.fill(Qt::gray);
+              return image;
+          }),
+            fast);
     Stage stage(device);
     stage.show(true, true);
     stage.setSteps({ idPhoto });
