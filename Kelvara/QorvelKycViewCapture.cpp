@@ -126,7 +126,8 @@ void QorvelKycViewPrivate::stopScanning()
 
 void QorvelKycViewPrivate::appDidEnterBackground()
 {
-    if (!isScanning)
+    // The session itself is asked too: `isScanning` follows it a turn of the event loop later.
+    if (!isScanning && !captureSession->isRunning())
         return;
     isScanningPaused = true;
     stopScanning();

@@ -64,6 +64,18 @@ void report(QorvelKycViewDelegate* delegate, CaptureCall call, QorvelKycView& vi
 
 void QorvelKycViewPrivate::analyzeCard()
 {
+    // An event loop inside the host's call may bring another tap; the side that it is meant for has not begun.
+    if (isCommitting)
+        return;
+    isCommitting = true;
+    const QPointer<QorvelKycView> view(q);
+    commit();
+    if (view)
+        isCommitting = false;
+}
+
+void QorvelKycViewPrivate::commit()
+{
     takePhotoButton->setBackgroundImage(q->getMyImage(QStringLiteral("camera_button_off")));
     takePhotoButton->setImage(q->getMyImage(QStringLiteral("loading_card")));
     takePhotoButton->rotate();

@@ -113,6 +113,8 @@ void QorvelKycViewPrivate::startSide()
 {
     ++side;
     publishGeometry();
+    // At once too: a tap that waits behind this call was meant for the side before.
+    takePhotoButton->setEnabled(false);
     onMain([this] {
         checkFace = false;
         checkMrz = false;
@@ -121,7 +123,10 @@ void QorvelKycViewPrivate::startSide()
         updateScanArea();
     });
     // Frames that wait on the queue were taken before this moment; this block comes after them.
-    videoQueue.async([this, begun = side] { queueSide = begun; });
+    videoQueue.async([this, begun = side] {
+        queueSide = begun;
+        inputCIImage.store(std::nullopt); // a crop must not come from the side before
+    });
 }
 
 void QorvelKycViewPrivate::viewChange()

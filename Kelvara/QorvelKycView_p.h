@@ -143,6 +143,7 @@ public:
 
     // Shutter: QorvelKycViewCommit.cpp
     void analyzeCard();
+    void commit();
     void commitSelfie();
     void commitFront();
     void commitBack();
@@ -183,6 +184,7 @@ public:
     QMetaObject::Connection observer;
     bool isScanning = false;
     bool isScanningPaused = false;
+    bool isCommitting = false; ///< From a tap until the delegate has been told and the flow has moved on.
     bool isPreviewAdded = false;
     QString noCameraText;
     const QColor cameraColor { 27, 170, 194 };

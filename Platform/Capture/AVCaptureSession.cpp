@@ -24,6 +24,7 @@ struct AVCaptureSession::State
     bool told = false; ///< What `runningChanged` last said.
     std::shared_ptr<AVCaptureDeviceInput> active; ///< The input in effect, as of the last commit.
     QMetaObject::Connection plug;
+    QMetaObject::Connection release;
     std::shared_ptr<CaptureHub> hub = std::make_shared<CaptureHub>();
 
     [[nodiscard]] std::shared_ptr<AVCaptureDeviceInput> deviceInput() const
@@ -48,8 +49,10 @@ struct AVCaptureSession::State
         hub->close();
         for (const auto& output : outputs)
             output->dropQueued();
-        if (std::exchange(running, false))
+        if (std::exchange(running, false)) {
             active->device()->stop();
+            Q_EMIT active->device()->released();
+        }
     }
 
     void updateReceivers() { hub->setReceivers(outputs, previews); }
@@ -85,9 +88,15 @@ void AVCaptureSession::update()
     if (input != d->active) {
         d->stop();
         disconnect(d->plug);
+        disconnect(d->release);
         d->active = input;
-        if (input)
-            d->plug = connect(input->device().get(), &AVCaptureDevice::connectedChanged, this, [this] { update(); });
+        if (input) {
+            const AVCaptureDevice* device = input->device().get();
+            d->plug = connect(device, &AVCaptureDevice::connectedChanged, this, [this] { update(); });
+            // Later, as the session that lets go of the camera is still in the midst of it.
+            d->release = connect(
+                device, &AVCaptureDevice::released, this, [this] { update(); }, Qt::QueuedConnection);
+        }
         for (AVCaptureVideoPreviewLayer* preview : d->previews)
             d->tellPreview(*preview);
     }

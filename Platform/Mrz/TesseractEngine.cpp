@@ -30,6 +30,18 @@ std::variant<QByteArray, TesseractError> modelOf(const QString& language, const 
     return file.readAll();
 }
 
+/// Tesseract's own reader of models throws at some damaged contents.
+std::variant<std::unique_ptr<ocr::TesseractSheetReader>, TesseractError> makeReader(
+    const QString& language, const QByteArray& model, TesseractEngineMode mode)
+{
+    try {
+        return ocr::TesseractSheetReader::make(language, model, mode);
+    } catch (const std::exception&) {
+        return TesseractError { TesseractError::Kind::UnusableModel,
+            QStringLiteral("The OCR model \"%1\" is damaged.").arg(language) };
+    }
+}
+
 } // namespace
 
 struct TesseractEngine::Private
@@ -49,7 +61,7 @@ struct TesseractEngine::Private
             error = std::move(*missing);
             return;
         }
-        auto made = ocr::TesseractSheetReader::make(language, std::get<QByteArray>(model), mode);
+        auto made = makeReader(language, std::get<QByteArray>(model), mode);
         if (auto* refused = std::get_if<TesseractError>(&made))
             error = std::move(*refused);
         else

@@ -111,6 +111,54 @@ TEST(RoughHandling, ResultsOfAnEarlierStepNeverCount)
     EXPECT_FALSE(stage.d().takePhotoButton->isEnabled());
 }
 
+TEST(RoughHandling, ATapRightBehindAStepChangeTakesNoPhotograph)
+{
+    for (const bool toCard : { true, false }) {
+        Stage stage;
+        stage.show(true, true);
+        stage.setSteps({ toCard ? selfie : idPhoto });
+        ASSERT_TRUE(spinUntil([&] { return stage.d().takePhotoButton->isEnabled(); }));
+        stage.show(!toCard, !toCard);
+        stage.view->setViewTypes({ toCard ? idPhoto : selfie });
+        QTest::mouseClick(stage.d().takePhotoButton, Qt::LeftButton);
+        settle();
+        EXPECT_TRUE(stage.delegate.calls.isEmpty()) << qPrintable(stage.delegate.calls.join(QLatin1Char(' ')));
+    }
+}
+
+TEST(RoughHandling, AnEventLoopInsideACallbackTakesNoSecondPhotograph)
+{
+    Stage stage;
+    stage.delegate.during = [&](QorvelKycView& view, const QString& call) {
+        if (call != QLatin1String("selfie") || stage.delegate.calls.size() > 1)
+            return;
+        QAbstractButton* shutter = QorvelKycViewPrivate::of(view).takePhotoButton;
+        EXPECT_TRUE(spinUntil([&] { return shutter->isEnabled(); })) << "frames go on, and show a face";
+        QTest::mouseClick(shutter, Qt::LeftButton);
+    };
+    stage.show(true, true);
+    stage.setSteps({ selfie, nfcRead, jitsi });
+    EXPECT_TRUE(stage.shoot());
+    settle();
+    EXPECT_EQ(stage.delegate.calls, (decltype(stage.delegate.calls) { QStringLiteral("selfie") }));
+    EXPECT_EQ(stage.d().selectedViewType, nfcRead);
+}
+
+TEST(RoughHandling, AnotherViewTakesTheCameraOver)
+{
+    Stage first;
+    first.setSteps({ idPhoto });
+    ASSERT_TRUE(spinUntil([&] { return first.view->isScanning(); }));
+    Stage second(first.device);
+    second.show(true, true);
+    second.setSteps({ idPhoto });
+    settle();
+    EXPECT_FALSE(second.view->isScanning()) << "one camera serves one view at a time";
+    delete first.view.data();
+    EXPECT_TRUE(spinUntil([&] { return second.view->isScanning(); }));
+    EXPECT_TRUE(second.shoot());
+}
+
 TEST(RoughHandling, TheViewMayDieWhileAFrameIsInAnalysis)
 {
     for (int round = 0; round < 5; ++round) {
