@@ -4,6 +4,8 @@
 #include "Platform/Vision/VisionImage.h"
 #include "Tools/Specimen/Scene.h"
 
+#include <QGuiApplication>
+
 #include <benchmark/benchmark.h>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/objdetect.hpp>
@@ -127,4 +129,10 @@ BENCHMARK(BM_BaselineHaarAlt2At640)->DenseRange(0, 2)->Unit(benchmark::kMillisec
 
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv)
+{
+    const QGuiApplication application(argc, argv); // cards are printed with fonts
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

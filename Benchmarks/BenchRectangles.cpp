@@ -3,6 +3,8 @@
 #include "Platform/Vision/CardRectangleDetector.h"
 #include "Tools/Evaluate/CannyBaseline.h"
 
+#include <QGuiApplication>
+
 #include <algorithm>
 #include <array>
 #include <benchmark/benchmark.h>
@@ -62,4 +64,10 @@ BENCHMARK(BM_Rectangle<CannyBaseline>)->Apply(scenes);
 
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv)
+{
+    const QGuiApplication application(argc, argv); // cards are printed with fonts
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
