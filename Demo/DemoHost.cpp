@@ -77,8 +77,9 @@ void DemoHost::didReadNfc(QorvelKycView&, const NFCPassportModel&)
     note(QStringLiteral("didReadNfc"));
 }
 
-void DemoHost::didClose(QorvelKycView&, const std::shared_ptr<SdkModel>&)
+void DemoHost::didClose(QorvelKycView&, const std::shared_ptr<SdkModel>& didDetect)
 {
+    m_record = didDetect;
     note(QStringLiteral("didClose"));
     Q_EMIT closed();
 }

@@ -22,6 +22,9 @@ public:
     [[nodiscard]] qsizetype photographs() const;
     [[nodiscard]] qint64 elapsedMilliseconds() const { return m_clock.elapsed(); }
 
+    /// The record that came with the close button; null before.
+    [[nodiscard]] const std::shared_ptr<SdkModel>& record() const { return m_record; }
+
     /// What the window shows now, at two pixels a point.
     [[nodiscard]] QImage screen();
 
@@ -36,7 +39,7 @@ public:
     void didClose(QorvelKycView& view, const std::shared_ptr<SdkModel>& didDetect) override;
 
 Q_SIGNALS:
-    /// The person gave up: by the view's close button or by closing the window.
+    /// The person left: by the view's close button or by closing the window.
     void closed();
 
 protected:
@@ -49,6 +52,7 @@ private:
 
     QElapsedTimer m_clock;
     QList<Delivery> m_deliveries;
+    std::shared_ptr<SdkModel> m_record;
     QorvelKycView* const m_view;
 };
 

@@ -2,8 +2,10 @@
 
 #include "Demo/Diagnosis.h"
 #include "Demo/Gallery.h"
+#include "Demo/MrzReport.h"
 #include "Demo/ScanAreas.h"
 #include "Platform/Capture/CameraProvider.h"
+#include "Platform/Chip/NFCReaderSession.h"
 #include "Platform/PlatformServices.h"
 #include "Platform/Vision/VisionDetectors.h"
 
@@ -38,6 +40,12 @@ QJsonObject cameraResult(const FrameTap& camera)
         { QStringLiteral("height"), std::max(0, camera.frameSize().height()) } };
 }
 
+/// With a contactless reader at hand the view reads the MRZ, which opens the card's chip.
+struct ContactlessPhone final : NFCReaderSession
+{
+    [[nodiscard]] bool readingAvailable() const override { return true; }
+};
+
 const QList<ViewType>& steps()
 {
     static const QList<ViewType> list { ViewType::idPhoto, ViewType::selfie };
@@ -52,6 +60,7 @@ DemoRun::DemoRun(const DemoOptions& options, bool hasDisplay)
       m_services(PlatformServices::native()), m_analysis(m_services.imageAnalysis)
 {
     m_services.userDefaults = nullptr; // a demonstration leaves no traces
+    m_services.nfc = std::make_shared<ContactlessPhone>();
 }
 
 DemoRun::~DemoRun() = default;
@@ -140,10 +149,13 @@ void DemoRun::runFlow()
     connect(m_person.get(), &ScriptedPerson::screenReached, this, [this](const QString& name) {
         m_screens.append({ name, m_host->screen() });
     });
-    connect(m_person.get(), &ScriptedPerson::finished, this,
-        [this, stop] { QTimer::singleShot(m_byHand ? kFarewellMilliseconds : 0, this, [stop] { stop(QString()); }); });
-    connect(m_host.get(), &DemoHost::closed, this,
-        [stop] { stop(QStringLiteral("The view was closed before the flow was complete.")); });
+    connect(m_person.get(), &ScriptedPerson::finished, this, [this] {
+        m_isComplete = true;
+        QTimer::singleShot(m_byHand ? kFarewellMilliseconds : 0, m_person.get(), &ScriptedPerson::leave);
+    });
+    connect(m_host.get(), &DemoHost::closed, this, [this, stop] {
+        stop(m_isComplete ? QString() : QStringLiteral("The view was closed before the flow was complete."));
+    });
     QTimer limit;
     limit.setSingleShot(true);
     const auto longest = m_options.limit ? m_options.limit : m_byHand ? std::nullopt : std::optional(kScriptedLimit);
@@ -222,14 +234,14 @@ int DemoRun::report()
     QJsonArray stepNames;
     for (const ViewType step : steps())
         stepNames.append(description(step));
-    m_folder.writeResult(
-        { { QStringLiteral("completed"), m_failure.isEmpty() }, { QStringLiteral("failure"), m_failure },
-            { QStringLiteral("seed"), static_cast<qint64>(m_options.seed) }, { QStringLiteral("steps"), stepNames },
-            { QStringLiteral("width"), m_size.width() }, { QStringLiteral("height"), m_size.height() },
-            { QStringLiteral("byHand"), m_byHand }, { QStringLiteral("flowMilliseconds"), m_flowMilliseconds },
-            { QStringLiteral("delegateCalls"), deliveries }, { QStringLiteral("backCamera"), cameraResult(*m_back) },
-            { QStringLiteral("frontCamera"), cameraResult(*m_front) }, { QStringLiteral("screens"), screens },
-            { QStringLiteral("gallery"), gallery } });
+    m_folder.writeResult({ { QStringLiteral("completed"), m_failure.isEmpty() },
+        { QStringLiteral("failure"), m_failure }, { QStringLiteral("seed"), static_cast<qint64>(m_options.seed) },
+        { QStringLiteral("steps"), stepNames }, { QStringLiteral("width"), m_size.width() },
+        { QStringLiteral("height"), m_size.height() }, { QStringLiteral("byHand"), m_byHand },
+        { QStringLiteral("flowMilliseconds"), m_flowMilliseconds }, { QStringLiteral("delegateCalls"), deliveries },
+        { QStringLiteral("mrz"), mrzReport(m_host->record()) }, { QStringLiteral("backCamera"), cameraResult(*m_back) },
+        { QStringLiteral("frontCamera"), cameraResult(*m_front) }, { QStringLiteral("screens"), screens },
+        { QStringLiteral("gallery"), gallery } });
     if (!m_folder.problem().isEmpty())
         return fail(BadInput, m_folder.problem());
     if (!m_failure.isEmpty())

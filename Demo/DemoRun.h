@@ -59,6 +59,7 @@ private:
     std::unique_ptr<ScriptedPerson> m_person;
     QEventLoop m_loop;
     QList<Screen> m_screens;
+    bool m_isComplete = false; ///< The view has said so.
     QString m_failure; ///< Why the flow was not completed; empty if it was.
     int m_exitCode = NotCompleted;
     qint64 m_flowMilliseconds = 0;

@@ -9,6 +9,7 @@ namespace kelvara::demo {
 namespace {
 
 constexpr float kSmallestCard = 0.5F;
+constexpr double kWideLine = 0.8; ///< Of the cut-out.
 
 QString cardTrouble(bool front, const QImage& shown, const PictureAnalysis& analysis)
 {
@@ -20,6 +21,16 @@ QString cardTrouble(bool front, const QImage& shown, const PictureAnalysis& anal
         troubles << QStringLiteral("no face is found on the card's front");
     if (!front && face)
         troubles << QStringLiteral("a face is seen, which the card's back must not show");
+    if (!front) {
+        if (const double width = analysis.textWidth(shown); width <= 0)
+            troubles << QStringLiteral("no machine-readable lines are found at the card's foot");
+        else if (width <= kWideLine)
+            troubles << QStringLiteral("the machine-readable lines span less than four fifths of the cut-out: the card "
+                                       "must come nearer");
+        else
+            troubles << QStringLiteral("the machine-readable lines are seen, but a check digit does not hold or a "
+                                       "character is in doubt");
+    }
     return troubles.isEmpty() ? QStringLiteral("all that is needed is seen at this moment, but not steadily")
                               : troubles.join(QStringLiteral(", and "));
 }

@@ -2,7 +2,10 @@
 
 #include "Platform/Vision/VNDetectFaceRectanglesRequest.h"
 #include "Platform/Vision/VNDetectRectanglesRequest.h"
+#include "Platform/Vision/VNDetectTextRectanglesRequest.h"
 #include "Platform/Vision/VNImageRequestHandler.h"
+
+#include <algorithm>
 
 namespace kelvara::demo {
 
@@ -58,6 +61,18 @@ std::optional<QRectF> PictureAnalysis::face(const QImage& picture) const
         return std::nullopt;
     const QRectF box = found->front().boundingBox;
     return QRectF(inPicture(box.bottomLeft(), picture.size()), inPicture(box.topRight(), picture.size())).normalized();
+}
+
+double PictureAnalysis::textWidth(const QImage& picture) const
+{
+    const auto request = std::make_shared<VNDetectTextRectanglesRequest>();
+    perform(picture, request, m_detectors);
+    double widest = 0;
+    if (const auto* lines = request->resultsAs<VNTextObservation>()) {
+        for (const VNTextObservation& line : *lines)
+            widest = std::max(widest, line.boundingBox.width());
+    }
+    return widest;
 }
 
 } // namespace kelvara::demo

@@ -25,6 +25,9 @@ public:
     [[nodiscard]] std::optional<QPolygonF> card(const QImage& picture, float minimumSize) const;
     [[nodiscard]] std::optional<QRectF> face(const QImage& picture) const;
 
+    /// How wide the longest line of machine-readable type is, over the picture's width; 0 if there is none.
+    [[nodiscard]] double textWidth(const QImage& picture) const;
+
 private:
     std::shared_ptr<const VisionDetectors> m_detectors;
 };

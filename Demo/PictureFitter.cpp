@@ -10,7 +10,7 @@ namespace kelvara::demo {
 
 namespace {
 
-constexpr double kCardFill = 0.93; ///< A well-held card's width over the cut-out's.
+constexpr double kCardFill = 0.955; ///< A well-held card's width over the cut-out's: its MRZ must span four fifths.
 constexpr double kEdgeToEdgeFill = 0.96; ///< A picture that is taken to be the card itself.
 constexpr double kTallestCard = 0.97; ///< Its height over the cut-out's, at most.
 constexpr double kFaceHeight = 0.6; ///< Over the oval's.

@@ -9,15 +9,25 @@ namespace kelvara::demo {
 
 ScreenReader::ScreenReader(QWidget& view) : m_view(&view) { }
 
-QAbstractButton* ScreenReader::shutter() const
+QAbstractButton* ScreenReader::button(const QString& accessibleName) const
 {
     if (!m_view)
         return nullptr;
     const auto buttons = m_view->findChildren<QAbstractButton*>();
-    const auto shutter = std::find_if(buttons.begin(), buttons.end(), [](const QAbstractButton* button) {
-        return button->isVisible() && button->accessibleName() == QString::fromUtf8("Fotoğraf çek");
+    const auto wanted = std::find_if(buttons.begin(), buttons.end(), [&](const QAbstractButton* button) {
+        return button->isVisible() && button->accessibleName() == accessibleName;
     });
-    return shutter == buttons.end() ? nullptr : *shutter;
+    return wanted == buttons.end() ? nullptr : *wanted;
+}
+
+QAbstractButton* ScreenReader::shutter() const
+{
+    return button(QString::fromUtf8("Fotoğraf çek"));
+}
+
+QAbstractButton* ScreenReader::closeButton() const
+{
+    return button(QStringLiteral("Kapat"));
 }
 
 bool ScreenReader::isReady() const

@@ -98,15 +98,20 @@ void ScriptedPerson::waitForReadiness()
     reach(screenName(m_scene, "ready"));
     if (m_pressesShutter) {
         m_readyClock.invalidate();
-        pressShutter();
+        press(m_screen.shutter());
     }
 }
 
-void ScriptedPerson::pressShutter()
+void ScriptedPerson::leave()
 {
-    const QAbstractButton* button = m_screen.shutter();
+    if (const QAbstractButton* button = m_screen.closeButton())
+        press(button);
+}
+
+void ScriptedPerson::press(const QAbstractButton* button)
+{
     const QWidget* window = button->window();
-    // Through the window, as a finger would: whatever lies above the shutter gets the click instead.
+    // Through the window, as a finger would: whatever lies above the button gets the click instead.
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, button->mapTo(window, button->rect().center()));
 }
 

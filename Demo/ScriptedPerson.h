@@ -32,11 +32,15 @@ Q_SIGNALS:
     /// The view says that the flow is complete.
     void finished();
 
+public Q_SLOTS:
+    /// Presses the view's close button.
+    void leave();
+
 private:
     void look();
     void beginScene(qsizetype scene);
     void waitForReadiness();
-    void pressShutter();
+    void press(const QAbstractButton* button);
     void reach(const QString& name);
 
     DemoHost& m_host;

@@ -8,7 +8,8 @@ namespace kelvara::demo {
 
 namespace {
 
-constexpr double kCardFill = 0.93;
+constexpr double kFrontFill = 0.93;
+constexpr double kBackFill = 0.955; ///< Nearer: the machine-readable lines must span four fifths of the cut-out.
 constexpr double kFaceFill = 0.5;
 constexpr double kCornerMillimetres = 3.18;
 constexpr double kCardMillimetres = 85.6;
@@ -49,7 +50,7 @@ specimen::SceneOptions SpecimenScenes::options(Subject subject) const
     options.seed = m_seed;
     options.size = m_areas.frame + QSize(2 * kShakeMargin, 2 * kShakeMargin);
     options.frame = (selfie ? m_areas.oval : m_areas.card).translated(kShakeMargin, kShakeMargin);
-    options.fill = selfie ? kFaceFill : kCardFill;
+    options.fill = selfie ? kFaceFill : subject == Subject::CardFront ? kFrontFill : kBackFill;
     options.subject = selfie            ? specimen::Subject::Selfie
         : subject == Subject::CardFront ? specimen::Subject::Front
                                         : specimen::Subject::Back;

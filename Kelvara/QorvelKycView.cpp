@@ -1,5 +1,6 @@
 #include "Kelvara/QorvelKycView.h"
 
+#include "Kelvara/FilterVendor.h"
 #include "Kelvara/ImageCatalog.h"
 #include "Kelvara/QorvelKycView_p.h"
 #include "Platform/Chip/NFCReaderSession.h"
@@ -45,6 +46,7 @@ QorvelKycViewPrivate::~QorvelKycViewPrivate()
 
 void QorvelKycViewPrivate::initialize()
 {
+    FilterVendor::registerFilters();
     hasNfc = services.nfc && services.nfc->readingAvailable();
     setupAndStartCaptureSession();
     setViewStyle();

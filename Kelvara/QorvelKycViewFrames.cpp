@@ -86,7 +86,9 @@ std::shared_ptr<VNRequest> QorvelKycViewPrivate::rectanglesRequest()
 std::shared_ptr<VNRequest> QorvelKycViewPrivate::mrzRequest()
 {
     if (!lazyMrzRequest)
-        lazyMrzRequest = std::make_shared<VNDetectTextRectanglesRequest>();
+        lazyMrzRequest = std::make_shared<VNDetectTextRectanglesRequest>(
+            [this](
+                const VNRequest& request, const std::optional<VNError>& error) { handleMrzRequest(request, error); });
     return lazyMrzRequest;
 }
 

@@ -7,6 +7,7 @@
 #include "Kelvara/Guarded.h"
 #include "Kelvara/IconButton.h"
 #include "Kelvara/LinkedListViewType.h"
+#include "Kelvara/OcrbModel.h"
 #include "Kelvara/OvalOverlayView.h"
 #include "Kelvara/QKCutoutView.h"
 #include "Kelvara/QorvelKycView.h"
@@ -19,6 +20,8 @@
 #include "Platform/Foundation/MainQueue.h"
 #include "Platform/Foundation/SerialQueue.h"
 #include "Platform/Imaging/CIImage.h"
+#include "Platform/Mrz/QKMRZParser.h"
+#include "Platform/Mrz/TesseractEngine.h"
 #include "Platform/Vision/VNDetectFaceRectanglesRequest.h"
 #include "Platform/Vision/VNDetectRectanglesRequest.h"
 #include "Platform/Vision/VNDetectTextRectanglesRequest.h"
@@ -141,6 +144,12 @@ public:
     [[nodiscard]] static QImage selfieImage(const CaptureGeometry& geometry, const QImage& image);
     [[nodiscard]] static UIImage enlargedSelfieImage(const CaptureGeometry& geometry, const QImage& image);
 
+    // MRZ: QorvelKycViewMrz.cpp (videoQueue, but for the last)
+    void handleMrzRequest(const VNRequest& request, const std::optional<VNError>& error);
+    [[nodiscard]] std::optional<QKMRZResult> mrz(const QImage& from);
+    [[nodiscard]] static std::optional<std::vector<MrzLineReading>> mrzLines(const TesseractText& from);
+    void didDetectMrzData(const CIImage& image, const QRectF& rect, const std::shared_ptr<QKMRZScanResult>& scanResult);
+
     // Shutter: QorvelKycViewCommit.cpp
     void analyzeCard();
     void commit();
@@ -207,6 +216,7 @@ public:
     // What was captured last.
     std::optional<UIImage> capturedImage;
     std::optional<UIImage> capturedFace;
+    std::optional<UIImage> capturedMrz;
 
     // Shared between the main thread and videoQueue.
     std::atomic<bool> checkFace { false };
@@ -222,6 +232,8 @@ public:
     std::shared_ptr<VNDetectFaceRectanglesRequest> lazyFacesRequest;
     std::shared_ptr<VNDetectTextRectanglesRequest> lazyMrzRequest;
     std::shared_ptr<VNDetectRectanglesRequest> lazyRectanglesRequest;
+    TesseractEngine tesseract { QStringLiteral("ocrb"), ocrbModelFolder(), TesseractEngineMode::TesseractOnly };
+    QKMRZParser mrzParser { true };
 
     LifeToken life;
 };

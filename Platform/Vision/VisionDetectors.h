@@ -44,8 +44,8 @@ public:
     std::shared_ptr<const TextRectangleDetector> text;
     std::shared_ptr<const FaceDetector> faces;
 
-    /// The library's own: card rectangles and faces on OpenCV. Cheap to call: models are loaded in the background on
-    /// first use of the process and shared.
+    /// The library's own: card rectangles, text lines and faces on OpenCV. Cheap to call: models are loaded in the
+    /// background on first use of the process and shared.
     [[nodiscard]] static std::shared_ptr<const VisionDetectors> native();
 };
 

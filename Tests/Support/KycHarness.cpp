@@ -52,11 +52,12 @@ struct ToldFaces final : FaceDetector
 
 } // namespace
 
-std::shared_ptr<const VisionDetectors> ToldDetectors::make() const
+std::shared_ptr<const VisionDetectors> ToldDetectors::make(std::shared_ptr<const TextRectangleDetector> text) const
 {
     auto detectors = std::make_shared<VisionDetectors>();
     detectors->rectangles = std::make_shared<ToldRectangles>(told);
     detectors->faces = std::make_shared<ToldFaces>(told);
+    detectors->text = std::move(text);
     return detectors;
 }
 
@@ -86,7 +87,7 @@ Device Device::phone()
 PlatformServices Device::services() const
 {
     return { .cameras = std::make_shared<ReplayCameraProvider>(back, front),
-        .imageAnalysis = eyes.make(),
+        .imageAnalysis = eyes.make(text),
         .nfc = hasNfc ? std::make_shared<NfcPhone>() : nullptr,
         .userDefaults = UserDefaults::inMemory() };
 }

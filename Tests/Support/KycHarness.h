@@ -45,7 +45,8 @@ struct ToldDetectors
     };
     std::shared_ptr<Told> told = std::make_shared<Told>();
 
-    [[nodiscard]] std::shared_ptr<const VisionDetectors> make() const;
+    [[nodiscard]] std::shared_ptr<const VisionDetectors> make(
+        std::shared_ptr<const TextRectangleDetector> text = nullptr) const;
 };
 
 struct NfcPhone final : NFCReaderSession
@@ -113,6 +114,7 @@ struct Device
     std::shared_ptr<ReplayCamera> back;
     std::shared_ptr<ReplayCamera> front;
     ToldDetectors eyes;
+    std::shared_ptr<const TextRectangleDetector> text; ///< Null: no text is seen.
     bool hasNfc = false;
 
     static std::shared_ptr<ReplayCamera> camera(AVCaptureDevicePosition position, ReplayCameraOptions options = {});

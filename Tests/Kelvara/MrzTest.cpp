@@ -1,0 +1,171 @@
+#include "Kelvara/MrzPreprocessing.h"
+#include "Kelvara/QKMRZScanResult.h"
+#include "Kelvara/ScanAreaMapping.h"
+#include "Kelvara/SdkModel.h"
+#include "Platform/Vision/TextLineDetector.h"
+#include "Tests/Support/KycHarness.h"
+#include "Tools/Specimen/Scene.h"
+
+#include <gtest/gtest.h>
+
+namespace kelvara::test {
+namespace {
+
+using enum ViewType;
+using specimen::SpecimenData;
+
+constexpr QSize kFrame(1080, 1920);
+
+/// What the test says are lines of text, beside or instead of what is seen.
+struct ToldLines final : TextRectangleDetector
+{
+    std::vector<VNTextObservation> detect(const VisionImage& image) const override
+    {
+        ++performed;
+        std::vector<VNTextObservation> lines = seesToo ? TextLineDetector().detect(image)
+                                                       : std::vector<VNTextObservation>();
+        for (const QRectF& box : told) {
+            VNTextObservation line;
+            line.boundingBox = box;
+            lines.push_back(line);
+        }
+        return lines;
+    }
+    bool seesToo = true;
+    QList<QRectF> told;
+    mutable std::atomic<int> performed { 0 };
+};
+
+/// A phone with a contactless reader whose back camera sees a card's back.
+class MrzStep : public testing::Test
+{
+protected:
+    void open(const SpecimenData& card, double fill = 0.955)
+    {
+        Device device = Device::phone();
+        ReplayCameraOptions options;
+        options.size = kFrame;
+        device.back = Device::camera(AVCaptureDevicePosition::Back, options);
+        device.hasNfc = true;
+        device.text = lines;
+        stage = std::make_unique<Stage>(device);
+        stage->setSteps({ idPhoto });
+        ASSERT_TRUE(spinUntil([&] { return lines->performed > 0; })) << "the NFC device searches for text";
+        specimen::SceneOptions scene;
+        scene.seed = card.seed;
+        scene.size = kFrame;
+        scene.subject = specimen::Subject::Back;
+        scene.background = specimen::Background::Wood;
+        scene.fill = fill;
+        const auto geometry = stage->d().geometry.load();
+        scene.frame = scanAreaInFrame(*geometry->cutoutRect, *geometry, kFrame);
+        stage->device.back->setSource(ReplaySource::still(photograph(card, scene).image));
+    }
+    /// Lets at least so many frames be analysed from beginning to end.
+    [[nodiscard]] bool analysed(int frames)
+    {
+        const int goal = lines->performed + frames + 1;
+        return spinUntil([&] { return lines->performed >= goal; }, 60'000);
+    }
+    [[nodiscard]] bool accepted() const { return stage->d().sdkModel->mrzInfo != nullptr; }
+
+    std::shared_ptr<ToldLines> lines = std::make_shared<ToldLines>();
+    std::unique_ptr<Stage> stage;
+};
+
+TEST_F(MrzStep, AnAcceptedReadingFillsTheRecordAndMakesTheBackReady)
+{
+    const auto card = SpecimenData::fromSeed(5'000'001);
+    open(card);
+    stage->d().isFront = false;
+    stage->d().startSide();
+    stage->show(true, false);
+    ASSERT_TRUE(spinUntil([&] { return accepted(); }, 60'000));
+    settle();
+    EXPECT_TRUE(stage->d().checkMrz);
+    QKMRZScanResult& mrz = *stage->d().sdkModel->mrzInfo;
+    EXPECT_EQ(mrz.documentNumber, card.documentNumber);
+    EXPECT_EQ(mrz.personalNumber, card.identityNumber);
+    EXPECT_EQ(mrz.birthDate, card.birthDate);
+    EXPECT_EQ(mrz.expiryDate, card.expiryDate);
+    EXPECT_EQ(mrz.sex, card.sex);
+    EXPECT_EQ(mrz.nationality, card.nationality);
+    const auto& picture = stage->d().sdkModel->mrzImage;
+    ASSERT_TRUE(picture && stage->d().capturedMrz);
+    EXPECT_EQ(QImage(*picture).size(), stage->d().inputCGImage.load()->size());
+    EXPECT_FALSE(QImage(mrz.documentImage).isNull());
+    EXPECT_TRUE(spinUntil([&] { return stage->d().takePhotoButton->isEnabled(); }));
+
+    // The zone holds although the card is looked for anew every two seconds, and a new side begins without it.
+    stage->show(false, false);
+    stage->view->runTimedCode();
+    EXPECT_TRUE(stage->d().checkMrz);
+    stage->device.back->setStalled(true);
+    stage->d().startSide();
+    settle();
+    EXPECT_FALSE(stage->d().checkMrz);
+    EXPECT_TRUE(accepted()) << "nothing is ever cleared from the record";
+}
+
+TEST_F(MrzStep, TheBackIsNotReadyWithoutAReading)
+{
+    open(SpecimenData::fromSeed(5'000'002), 0.86); // too far away: the lines span less than four fifths
+    stage->d().isFront = false;
+    stage->d().startSide();
+    stage->show(true, false);
+    ASSERT_TRUE(analysed(4));
+    EXPECT_TRUE(spinUntil([&] { return stage->d().checkRectangle.load(); }));
+    EXPECT_FALSE(stage->d().checkMrz);
+    EXPECT_FALSE(stage->d().takePhotoButton->isEnabled());
+    EXPECT_FALSE(accepted());
+}
+
+TEST_F(MrzStep, AnIdentityNumberThatCannotBeIsNeverAccepted)
+{
+    auto card = SpecimenData::fromSeed(5'000'003);
+    // The zone's check digits are printed right for it; its own last digit is wrong.
+    card.identityNumber.back() = card.identityNumber.back() == u'7' ? u'8' : u'7';
+    open(card);
+    ASSERT_TRUE(analysed(6));
+    EXPECT_FALSE(accepted());
+}
+
+TEST_F(MrzStep, OtherTextAroundTheLinesSpoilsTheBand)
+{
+    const QRectF nearTheTop(0.05, 0.85, 0.9, 0.05);
+    lines->told = { nearTheTop };
+    open(SpecimenData::fromSeed(5'000'004));
+    ASSERT_TRUE(analysed(4));
+    EXPECT_FALSE(accepted()) << "the lines together are taller than two fifths of the frame";
+}
+
+TEST_F(MrzStep, ShortLinesAndBoxesOutsideTheFrameMakeNoBand)
+{
+    lines->seesToo = false;
+    // Exactly four fifths are not enough; a wide box above the frame leaves nothing to cut out.
+    lines->told = { { 0.1, 0.05, 0.8, 0.3 }, { 0.05, 1.2, 0.9, 0.1 } };
+    open(SpecimenData::fromSeed(5'000'005));
+    ASSERT_TRUE(analysed(4));
+    EXPECT_FALSE(accepted());
+}
+
+TEST_F(MrzStep, TheViewMayGoWhileTheZoneIsRead)
+{
+    open(SpecimenData::fromSeed(5'000'006));
+    ASSERT_TRUE(analysed(1));
+    for (int wait = 0; wait < 3; ++wait) {
+        QTest::qWait(7 * wait);
+        delete stage->view.data();
+        settle();
+        Device device = stage->device;
+        stage = std::make_unique<Stage>(device);
+        stage->setSteps({ idPhoto });
+        ASSERT_TRUE(analysed(1));
+    }
+    // A view without size shows nothing that could be cut out, whatever is read.
+    stage->view->resize(0, 0);
+    ASSERT_TRUE(analysed(2));
+}
+
+} // namespace
+} // namespace kelvara::test
