@@ -50,8 +50,8 @@ void QorvelKycViewPrivate::handleMrzRequest(const VNRequest& request, const std:
         const std::optional<CIImage> filterImage = inputCIImage.load();
         if (!frame || !filterImage)
             fatalError("An MRZ was read, yet there is no frame that it could have been read from.");
-        const auto scanResult = std::make_shared<QKMRZScanResult>(
-            result, enlargedDocumentImage(*seenBy, *frame), services.imageAnalysis);
+        const auto scanResult
+            = std::make_shared<QKMRZScanResult>(result, enlargedDocumentImage(*seenBy, *frame), services.imageAnalysis);
         didDetectMrzData(*filterImage, band, scanResult);
     });
 }

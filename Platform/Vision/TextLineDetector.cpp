@@ -133,7 +133,7 @@ std::vector<VNTextObservation> TextLineDetector::detect(const VisionImage& image
             continue;
         const double air = 0.15 * scale.pitch;
         const QRectF pixels = QRectF((box.x + tight.x - air) * factor, (box.y + tight.y - air) * factor,
-            (tight.width + 2 * air) * factor, (tight.height + 2 * air) * factor)
+                                  (tight.width + 2 * air) * factor, (tight.height + 2 * air) * factor)
             & QRectF(QPointF(), size);
         VNTextObservation line;
         line.boundingBox = QRectF(pixels.x() / size.width(), 1 - pixels.bottom() / size.height(),

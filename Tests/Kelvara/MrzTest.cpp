@@ -22,8 +22,8 @@ struct ToldLines final : TextRectangleDetector
     std::vector<VNTextObservation> detect(const VisionImage& image) const override
     {
         ++performed;
-        std::vector<VNTextObservation> lines = seesToo ? TextLineDetector().detect(image)
-                                                       : std::vector<VNTextObservation>();
+        std::vector<VNTextObservation> lines
+            = seesToo ? TextLineDetector().detect(image) : std::vector<VNTextObservation>();
         for (const QRectF& box : told) {
             VNTextObservation line;
             line.boundingBox = box;

@@ -32,8 +32,7 @@ TEST(TextLineGate, FindsTheZoneOfACardHeldNear)
         const std::uint32_t count = 24 / kShare;
         std::uint32_t whole = 0;
         for (std::uint32_t seed = gateSeeds; seed < gateSeeds + count; ++seed) {
-            const specimen::Scene scene
-                = photograph(specimen::SpecimenData::fromSeed(seed), nearBack(seed, size));
+            const specimen::Scene scene = photograph(specimen::SpecimenData::fromSeed(seed), nearBack(seed, size));
             const QRectF zone = zoneIn(scene);
             const QRectF band = wideBand(linesIn(scene.image), size);
             const QRectF common = band & zone;
@@ -84,8 +83,8 @@ TEST(TextLineDetector, LeavesLinesOfADistantCardBelowTheWidthThatCounts)
 
 TEST(TextLineDetector, TakesImagesOfAnySize)
 {
-    for (const QSize size : { QSize(1, 1), QSize(1, 700), QSize(1000, 1), QSize(199, 140), QSize(200, 2),
-             QSize(721, 3), QSize(9000, 40) }) {
+    for (const QSize size : { QSize(1, 1), QSize(1, 700), QSize(1000, 1), QSize(199, 140), QSize(200, 2), QSize(721, 3),
+             QSize(9000, 40) }) {
         QImage image(size, QImage::Format_ARGB32_Premultiplied);
         for (int y = 0; y < image.height(); ++y) {
             for (int x = 0; x < image.width(); ++x)

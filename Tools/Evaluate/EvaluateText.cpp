@@ -51,8 +51,8 @@ public:
         if (m_all.empty())
             return;
         std::sort(m_all.begin(), m_all.end());
-        std::printf("%s median %.1f ms, 99 %% %.1f ms\n", what, m_all[m_all.size() / 2],
-            m_all[(m_all.size() - 1) * 99 / 100]);
+        std::printf(
+            "%s median %.1f ms, 99 %% %.1f ms\n", what, m_all[m_all.size() / 2], m_all[(m_all.size() - 1) * 99 / 100]);
     }
 
 private:
@@ -127,8 +127,8 @@ int main(int argc, char** argv)
         Times times;
         int vain = 0;
         for (std::uint32_t seed = first; seed < first + count; ++seed) {
-            specimen::SceneOptions options = kind.isEmpty ? rectangleSceneOptions(kind.scene, seed, size)
-                                                          : nearBack(seed, size);
+            specimen::SceneOptions options
+                = kind.isEmpty ? rectangleSceneOptions(kind.scene, seed, size) : nearBack(seed, size);
             if (!kind.isEmpty)
                 options.subject = specimen::Subject::Front;
             const specimen::Scene scene = photograph(specimen::SpecimenData::fromSeed(seed), options);

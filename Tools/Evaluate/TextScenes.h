@@ -23,9 +23,8 @@ namespace kelvara::evaluate {
         options.yawDegrees = dice.real(-8, 8);
         options.shift = { dice.real(-0.01, 0.01) * size.width(), dice.real(-0.05, 0.05) * size.height() };
         const QPolygonF corners = cornersOf(options);
-        const bool isWhole = std::all_of(corners.begin(), corners.end(), [size](QPointF p) {
-            return p.x() >= 0 && p.y() >= 0 && p.x() <= size.width() && p.y() <= size.height();
-        });
+        const bool isWhole = std::all_of(corners.begin(), corners.end(),
+            [size](QPointF p) { return p.x() >= 0 && p.y() >= 0 && p.x() <= size.width() && p.y() <= size.height(); });
         if (isWhole)
             return options;
     } while (true);
@@ -38,8 +37,8 @@ namespace kelvara::evaluate {
     constexpr double height = 53.98;
     constexpr QRectF zone((width - 30 * 2.54) / 2, height - 6.2 - 2 * 4.23 - 1.2, 30 * 2.54, 2 * 4.23 + 2.4);
     QTransform toPicture;
-    if (!QTransform::quadToQuad(QPolygonF({ { 0, 0 }, { width, 0 }, { width, height }, { 0, height } }),
-            *scene.corners, toPicture))
+    if (!QTransform::quadToQuad(
+            QPolygonF({ { 0, 0 }, { width, 0 }, { width, height }, { 0, height } }), *scene.corners, toPicture))
         return {};
     return toPicture.map(QPolygonF(zone)).boundingRect();
 }
