@@ -21,11 +21,16 @@ if(KELVARA_SANITIZE_FLAGS)
     target_link_options(kelvara_options INTERFACE ${KELVARA_SANITIZE_FLAGS})
 endif()
 
-# Static library from every .cpp of the calling folder.
-#   kelvara_module(<target> [PUBLIC libs…] [PRIVATE libs…])
+# Static library from every .cpp of the calling folder and of the named folders in it.
+#   kelvara_module(<target> [FOLDERS names…] [PUBLIC libs…] [PRIVATE libs…])
 function(kelvara_module target)
-    cmake_parse_arguments(arg "" "" "PUBLIC;PRIVATE" ${ARGN})
+    cmake_parse_arguments(arg "" "" "FOLDERS;PUBLIC;PRIVATE" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+    foreach(folder IN LISTS arg_FOLDERS)
+        file(GLOB more CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp"
+             "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.h")
+        list(APPEND sources ${more})
+    endforeach()
     add_library(${target} STATIC ${sources})
     target_include_directories(${target} PUBLIC "${PROJECT_SOURCE_DIR}")
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
