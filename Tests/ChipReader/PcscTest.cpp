@@ -51,11 +51,13 @@ protected:
         service = new QProcess;
         service->setProgram(program);
         service->setArguments({ QStringLiteral("-f") });
-        service->start();
         QElapsedTimer clock;
         clock.start();
-        while (!PcscTerminal().isAvailable() && clock.elapsed() < 10'000)
-            std::this_thread::sleep_for(50ms);
+        while (!PcscTerminal().isAvailable() && clock.elapsed() < 20'000) {
+            // It refuses to start beside another one, which may be on its way out.
+            if (service->waitForFinished(50) || service->state() == QProcess::NotRunning)
+                service->start();
+        }
     }
     static void TearDownTestSuite()
     {
