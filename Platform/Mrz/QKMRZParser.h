@@ -36,7 +36,8 @@ class QKMRZParser
 public:
     explicit QKMRZParser(bool ocrCorrection = false);
 
-    /// What day it is, for the century of two-digit years; the device's date by default.
+    /// What day it is, for the century of two-digit years; the device's date by default and
+    /// for an empty function.
     void setToday(std::function<QDate()> today);
 
     /// The zone in these lines; absent when no two or three of them have the shape of one. A result with wrong check

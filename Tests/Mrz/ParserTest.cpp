@@ -166,6 +166,17 @@ TEST(Parser, PlacesYearsAroundThePresent)
     }
 }
 
+TEST(Parser, AsksTheDeviceWhenNobodySaysWhatDayItIs)
+{
+    QKMRZParser made;
+    made.setToday([] { return QDate(1999, 1, 1); });
+    made.setToday({});
+    const auto result = made.parse(lines(turkish));
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->birthDate, parser().parse(lines(turkish))->birthDate);
+    EXPECT_TRUE(result->expiryDate);
+}
+
 TEST(Parser, TakesSexAsItStands)
 {
     for (const auto& [printed, sex] :
