@@ -60,7 +60,7 @@ public:
     [[nodiscard]] std::array<float, kGlyphs.size()> probabilities(const GlyphPatch& patch) const;
 
     static constexpr std::size_t kInputs = std::size_t(GlyphPatch::kColumns) * GlyphPatch::kRows;
-    static constexpr std::size_t kHidden = 96;
+    static constexpr std::size_t kHidden = 128;
     static constexpr std::size_t kOutputs = kGlyphs.size();
 
     /// Rows of weights, one for each input and a last one that is always added: what each input adds to each unit.

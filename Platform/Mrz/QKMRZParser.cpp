@@ -152,8 +152,7 @@ private:
 
 } // namespace
 
-QKMRZParser::QKMRZParser(bool ocrCorrection)
-    : m_ocrCorrection(ocrCorrection)
+QKMRZParser::QKMRZParser(bool ocrCorrection) : m_ocrCorrection(ocrCorrection)
 {
     setToday({});
 }

@@ -285,6 +285,27 @@ TEST(Parser, BelievesAnEngineThatIsCertain)
     EXPECT_TRUE(parser().parse(read)->allCheckDigitsValid);
 }
 
+TEST(Parser, WaitsForANameThatWasRead)
+{
+    struct Row
+    {
+        std::size_t column;
+        bool isValid;
+    };
+    // YILMAZ<<AYSE<NUR<<<: within the names, the filler that ends them, and what follows.
+    for (const Row& row :
+        { Row { 0, false }, { 3, false }, { 6, false }, { 15, false }, { 16, false }, { 17, true }, { 29, true } }) {
+        auto read = certain(lines(turkish));
+        read[2].certainties[row.column] = 0.1F;
+        const auto result = parser().parse(read);
+        ASSERT_TRUE(result);
+        EXPECT_EQ(result->allCheckDigitsValid, row.isValid) << row.column;
+        EXPECT_EQ(result->surnames, u"YILMAZ");
+        read[2].certainties[row.column] = 0.6F;
+        EXPECT_TRUE(parser().parse(read)->allCheckDigitsValid);
+    }
+}
+
 TEST(Parser, CheckDigitsDecideWhereTheEngineDoubts)
 {
     auto read = certain(with(turkish, "A12B34567", "A12B34367"));

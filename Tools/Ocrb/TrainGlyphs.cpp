@@ -52,6 +52,7 @@ BandOptions optionsOf(std::uint32_t seed)
         options.weight = dice.real(-0.04, 0.06);
         options.jitter = dice.real(0.005, 0.02);
         options.shade = dice.real(0, 0.25);
+        options.pitch = dice.real(0.93, 1.12);
     }
     return options;
 }
@@ -251,8 +252,8 @@ int main(int argc, char** argv)
         return 2;
     }
     FilterVendor::registerFilters();
-    const auto bands = std::uint32_t(argc > 2 ? std::atoi(argv[2]) : 2000);
-    const int rounds = argc > 3 ? std::atoi(argv[3]) : 12;
+    const auto bands = std::uint32_t(argc > 2 ? std::atoi(argv[2]) : 5000);
+    const int rounds = argc > 3 ? std::atoi(argv[3]) : 14;
     std::vector<Sample> samples;
     for (std::uint32_t i = 0; i < bands; ++i)
         addSamples(samples, kFirstSeed + i);
