@@ -17,7 +17,7 @@ namespace {
 /// Where more than so many characters had to be replaced, the chances are that two others cancel each other unseen.
 constexpr int mostTrustedCorrections = 5;
 /// A character of a name that the OCR is less certain of than this was not read; no check digit covers for it.
-constexpr float leastLegible = 0.5F;
+constexpr float leastLegible = 0.3F;
 
 QString withoutFillersAround(QStringView text)
 {

@@ -35,6 +35,9 @@ float certaintyOf(float rating, float lead)
     return 0;
 }
 
+/// Where the opinions differ and neither is sure, the likelier is right in one of three.
+constexpr float kUnsettled = 0.25F;
+
 /// One glyph's two opinions. Figures as measured on bands of all conditions.
 struct Opinions
 {
@@ -55,7 +58,7 @@ struct Opinions
             return { second, 1 - remaining * (1 - secondCertainty) };
         }
         if (!first.isNull() && (firstCertainty >= sure ? secondCertainty < 0.9F : secondCertainty < 0.5F))
-            return { first, std::min(firstCertainty, 0.4F) };
+            return { first, std::min(firstCertainty, kUnsettled) };
         const float alone = std::pow(secondCertainty, 1.5F);
         return { second, firstCertainty >= sure ? std::min(alone, 0.965F) : alone };
     }

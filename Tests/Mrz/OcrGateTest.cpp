@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(Bands, OcrGate,
         Gate { "slight", BandCondition::SlightBlur, 250, 0.96, 5'102'000 },
         Gate { "mixed", BandCondition::Mixed, 250, 0.93, 5'103'000 },
         Gate { "strong", BandCondition::StrongBlur, 250, 0.60, 5'104'000 }),
-    [](const testing::TestParamInfo<Gate>& info) { return std::string(info.param.name); });
+    [](const auto& gate) { return std::string(gate.param.name); });
 
 QImage smallPrint(std::uint32_t seed)
 {
@@ -143,7 +143,7 @@ QImage barCode(std::uint32_t seed)
 TEST(OtherPrint, IsNoZone)
 {
     Reader reader;
-    const std::uint32_t count = isLight() ? 4 : 60;
+    const std::uint32_t count = isLight() ? 4 : 30;
     if (isLight())
         std::printf("Reduced under sanitizers: %u pictures of each kind.\n", count);
     for (std::uint32_t seed = 0; seed < count; ++seed) {
