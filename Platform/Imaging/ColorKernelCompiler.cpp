@@ -28,10 +28,9 @@ std::vector<QString> tokens(const QString& source)
         return found;
     qsizetype at = 0;
     while (at < source.size()) {
-        const auto match
-            = pattern.match(source, at, QRegularExpression::NormalMatch,
-                QRegularExpression::AnchorAtOffsetMatchOption
-                    | QRegularExpression::DontCheckSubjectStringMatchOption); // or each word would check the whole text
+        const auto match = pattern.match(source, at, QRegularExpression::NormalMatch,
+            QRegularExpression::AnchorAtOffsetMatchOption
+                | QRegularExpression::DontCheckSubjectStringMatchOption); // or each word would check the whole text
         if (!match.hasMatch())
             return {};
         at = match.capturedEnd();

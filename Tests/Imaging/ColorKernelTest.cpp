@@ -85,12 +85,13 @@ TEST(ColorKernel, TakesSourcesUpToALimit)
 TEST(ColorKernel, NamesMayLookLikeNumbersToOthers)
 {
     for (const char* name : { "inf", "nan", "infinity" }) {
-        const QString source
-            = kernel((std::string("return vec4(vec3(") + name + "), 1);").c_str(), (std::string("float ") + name).c_str());
+        const QString source = kernel(
+            (std::string("return vec4(vec3(") + name + "), 1);").c_str(), (std::string("float ") + name).c_str());
         const auto compiled = CIColorKernel::compile(source);
         ASSERT_TRUE(compiled) << name;
         const auto result = compiled->apply(QRectF(0, 0, 1, 1), Arguments { 0.2159 });
-        EXPECT_EQ(CIContext::shared().createCGImage(*result, result->extent())->pixel(0, 0), qRgb(128, 128, 128)) << name;
+        EXPECT_EQ(CIContext::shared().createCGImage(*result, result->extent())->pixel(0, 0), qRgb(128, 128, 128))
+            << name;
         EXPECT_FALSE(CIColorKernel::compile(kernel((std::string("return p * ") + name + ";").c_str()))) << name;
     }
 }
