@@ -15,6 +15,8 @@ namespace kelvara {
 
 namespace {
 
+constexpr double kLongestSide = 32767; ///< Of what Qt draws on, in pixels.
+
 QImage bitmapOf(const UIImage& image)
 {
     std::optional<QImage> bitmap = image.cgImage();
@@ -28,8 +30,7 @@ QImage imageContext(const QSizeF& size, double scale)
 {
     const double width = std::ceil(size.width() * scale);
     const double height = std::ceil(size.height() * scale);
-    constexpr double most = 32767;
-    if (!(width >= 1 && height >= 1 && width <= most && height <= most))
+    if (!(width >= 1 && height >= 1 && width <= kLongestSide && height <= kLongestSide))
         fatalError("An image context needs a size of at least one pixel and at most 32767.");
     QImage bitmap(int(width), int(height), QImage::Format_ARGB32_Premultiplied);
     if (bitmap.isNull())
@@ -68,6 +69,11 @@ UIImage ImageUtils::preProcess(const UIImage& image)
 {
     const double width = image.size().width();
     const double height = image.size().height();
+    // The frame is as wide and high as the image twice.
+    const double side = 2 * height * image.scale();
+    constexpr double mostPixels = 1 << 28;
+    if (width * image.scale() > kLongestSide || side > kLongestSide || side * side > mostPixels)
+        return {};
     const UIImage framed = insertInsets(image, (height * 6 / 3 - width) / 2, height / 2);
     return convertToGrayscale(resize(framed, { 28, 28 }));
 }

@@ -18,7 +18,8 @@ struct ImageUtils
     ImageUtils() = delete;
 
     /// A grey image of 28 × 28: the image on a ground of its border's mean colour, made twice as wide as it is high and
-    /// then enlarged by its height, resized and made grey.
+    /// then enlarged by its height, resized and made grey. Nothing (a null image) of an image of more than 32767
+    /// pixels' width or half that height, or whose enlargement has more than 2²⁸ pixels.
     [[nodiscard]] static UIImage preProcess(const UIImage& image);
 
     /// The image drawn into `targetSize` pixels, at scale 1. A size of no pixels is a fatal error.

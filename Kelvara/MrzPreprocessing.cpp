@@ -4,9 +4,18 @@
 #include "Platform/Imaging/CIContext.h"
 #include "Platform/Imaging/CIFilter.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace kelvara {
+
+namespace {
+
+// Of the result, as `CIContext` has them.
+constexpr qint64 kLongestSide = 32767;
+constexpr qint64 kMostPixels = qint64 { 1 } << 28;
+
+} // namespace
 
 MrzExposure MrzExposure::of(double luminance)
 {
@@ -20,7 +29,9 @@ MrzExposure MrzExposure::of(double luminance)
 
 std::optional<QImage> preprocessImage(const QImage& image)
 {
-    if (image.isNull())
+    // What cannot be doubled is not even looked at.
+    if (image.isNull() || 2 * std::max(qint64 { image.width() }, qint64 { image.height() }) > kLongestSide
+        || 4 * qint64 { image.width() } * image.height() > kMostPixels)
         return std::nullopt;
     const CIImage band(image);
     // The eight-bit average of pure white may leave the sum of its weights a rounding above 1.

@@ -56,6 +56,11 @@ public:
         const auto area = integralRect(value<QRectF>(kCIInputExtentKey).value_or(inputImage->extent()));
         if (!area)
             return std::nullopt;
+        // Every pixel is looked at: of endless images there is no average.
+        constexpr qint64 kMostPixels = qint64 { 1 } << 28;
+        const QRect covered = *area & inputImage->extent().toAlignedRect();
+        if (qint64 { covered.width() } * covered.height() > kMostPixels)
+            return std::nullopt;
         return CIImage(std::make_shared<AreaAverageNode>(inputImage->node(), *area));
     }
 };

@@ -24,7 +24,7 @@ struct KernelProgram;
 class CIColorKernel
 {
 public:
-    /// Absent when the text does not compile.
+    /// Absent when the text does not compile or is longer than 65536 characters.
     [[nodiscard]] static std::optional<CIColorKernel> compile(const QString& source);
 
     [[nodiscard]] QString name() const;

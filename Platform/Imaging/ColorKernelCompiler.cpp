@@ -15,6 +15,8 @@ using Register = KernelProgram::Register;
 // A text of any length could ask for any number of registers; kernels that are meant need a few dozen.
 constexpr int kMostRegisters = 1024;
 constexpr int kDeepest = 64;
+// More than any kernel of that many registers needs, few enough to be refused at once.
+constexpr qsizetype kLongestSource = 1 << 16;
 
 /// A text's words, numbers and signs; empty when it holds anything else.
 std::vector<QString> tokens(const QString& source)
@@ -22,10 +24,13 @@ std::vector<QString> tokens(const QString& source)
     static const QRegularExpression pattern(
         QStringLiteral(R"(\s+|[A-Za-z_]\w*|(?:\d+\.?\d*|\.\d+)(?:[eE][+-]?\d+)?|[<>=!]=|[-+*/(){},;.?:<>=])"));
     std::vector<QString> found;
+    if (source.size() > kLongestSource || !source.isValidUtf16())
+        return found;
     qsizetype at = 0;
     while (at < source.size()) {
-        const auto match
-            = pattern.match(source, at, QRegularExpression::NormalMatch, QRegularExpression::AnchorAtOffsetMatchOption);
+        const auto match = pattern.match(source, at, QRegularExpression::NormalMatch,
+            QRegularExpression::AnchorAtOffsetMatchOption
+                | QRegularExpression::DontCheckSubjectStringMatchOption); // or each word would check the whole text
         if (!match.hasMatch())
             return {};
         at = match.capturedEnd();
@@ -292,7 +297,8 @@ private:
             expect(")");
             return value;
         }
-        if (m_at < m_tokens.size()) {
+        // Words that Qt would take for numbers, such as "inf", are names here.
+        if (m_at < m_tokens.size() && (m_tokens[m_at].front().isDigit() || m_tokens[m_at].front() == u'.')) {
             bool isNumber = false;
             const float number = m_tokens[m_at].toFloat(&isNumber);
             if (isNumber) {

@@ -206,9 +206,14 @@ std::shared_ptr<const Node> LanczosNode::make(std::shared_ptr<const Node> input,
     const auto sensible = [](double factor) { return factor >= 1.0 / 64 && factor <= 64.0; };
     if (!sensible(horizontal) || !sensible(vertical) || input->extent().isEmpty())
         return nullptr;
-    // A very large recipe enlarged would leave the range of whole numbers.
+    // A very large recipe enlarged would leave the range of whole numbers, or take a row's weights and pixels out of
+    // the memory.
     const QRect extent = input->extent();
     constexpr double kFarthest = 1 << 29;
+    constexpr double kLongestSide = 1 << 17;
+    if (extent.width() * std::max(1.0, horizontal) > kLongestSide
+        || extent.height() * std::max(1.0, vertical) > kLongestSide)
+        return nullptr;
     for (const int edge : { extent.left(), extent.right() }) {
         if (std::abs(edge * horizontal) > kFarthest)
             return nullptr;

@@ -10,7 +10,8 @@ namespace kelvara::imaging {
 class LanczosNode final : public Node
 {
 public:
-    /// Null when a factor is not a number of 1/64 to 64 or the input is empty.
+    /// Null when a factor is not a number of 1/64 to 64 or the input is empty, or when a side of the input or the
+    /// result is longer than 2¹⁷ pixels.
     [[nodiscard]] static std::shared_ptr<const Node> make(
         std::shared_ptr<const Node> input, double horizontal, double vertical);
 

@@ -7,6 +7,7 @@
 #include "Platform/Mrz/MrzNames.h"
 #include "Platform/Mrz/MrzRivals.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kelvara {
@@ -15,6 +16,8 @@ namespace {
 
 /// Where more than so many characters had to be replaced, the chances are that two others cancel each other unseen.
 constexpr int mostTrustedCorrections = 5;
+/// A character of a name that the OCR is less certain of than this was not read; no check digit covers for it.
+constexpr float leastLegible = 0.3F;
 
 QString withoutFillersAround(QStringView text)
 {
@@ -65,6 +68,21 @@ void fillChecks(QKMRZResult& result, const MrzChecks& checks)
     result.isPersonalNumberValid = checks.personalNumber;
     result.isFinalCheckDigitValid = checks.final;
     result.allCheckDigitsValid = checks.all();
+}
+
+/// Whether every character of the name and the filler that ends it were seen, as far as the OCR tells.
+bool isNameLegible(const MrzFormat& format, const MrzZone& zone)
+{
+    const MrzPlace& place = format.names;
+    int end = place.length;
+    while (end > 0 && zone.at(place, end - 1).taken == u'<')
+        --end;
+    for (int i = 0; i < std::min(end + 1, place.length); ++i) {
+        const MrzCell& cell = zone.at(place, i);
+        if (cell.isCertaintyKnown() && cell.certainty < leastLegible)
+            return false;
+    }
+    return true;
 }
 
 /// `fitted` is the zone before its rivals were tried.
@@ -118,7 +136,7 @@ MrzInterpretation interpretMrzZone(
     fillChecks(result, checks);
     if (ocrCorrection) {
         result.allCheckDigitsValid &= checks.isIdentityNumberRight && found.violations == 0 && !settlement.isAmbiguous
-            && !settlement.isGuess && found.corrections <= mostTrustedCorrections;
+            && !settlement.isGuess && found.corrections <= mostTrustedCorrections && isNameLegible(format, zone);
     }
     found.isPlausible = found.checks >= 2
         || (fitting.isStateKnown && format.firstLetters.contains(QChar(zone.at(format.type).taken)));

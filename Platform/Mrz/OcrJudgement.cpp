@@ -7,20 +7,9 @@ namespace kelvara::ocr {
 
 namespace {
 
-// Heights in OCR-B, in capitals' heights, and widths over heights, as they come out of binarised bands.
-constexpr double kLetterO = 734.0 / 723.0;
-constexpr double kZero = 787.0 / 723.0;
-constexpr double kAspectO = 0.683;
-constexpr double kAspectZero = 0.645;
-// How far heights and aspects stray from what they should be: of the same measure, and a pixel's share of the height.
-constexpr double kHeightStray = 0.014;
-constexpr double kAspectStray = 0.019;
-constexpr double kPixelStray = 0.5;
-constexpr double kTallO
-    = 0.8; ///< Flat glyphs lose of their height what round ones keep, so that O looks tall beside them.
-constexpr double kUsualStray = 0.015; ///< Glyphs of a line that is well preserved, from one another.
-/// There the odds are that much better than independent normal strays would make them (measured).
-constexpr double kSharpness = 1.5;
+// Heights in OCR-B, in capitals' heights.
+constexpr double kRound = 734.0 / 723.0;
+constexpr double kDigit = 787.0 / 723.0;
 
 /// How likely Tesseract's best candidate is right, by its rating (0 to 100) and its lead over the next: measured on
 /// bands of all conditions.
@@ -46,62 +35,58 @@ float certaintyOf(float rating, float lead)
     return 0;
 }
 
-/// The height of a capital in a line and how far single glyphs stray from it.
-struct Capital
+/// Where the opinions differ and neither is sure, the likelier is right in one of three.
+constexpr float kUnsettled = 0.25F;
+
+/// One glyph's two opinions. Figures as measured on bands of all conditions.
+struct Opinions
 {
-    double height;
-    double stray;
+    QChar first; ///< Tesseract's; null when it sees nothing.
+    float firstCertainty = 0;
+    QChar second;
+    float secondCertainty = 0;
+
+    [[nodiscard]] bool agree() const { return first == second || (isRound(first) && isRound(second)); }
+
+    /// The character and how likely it is right.
+    [[nodiscard]] std::pair<QChar, float> verdict() const
+    {
+        constexpr float sure = 0.97F;
+        if (agree()) {
+            // Which of O and 0 it is Tesseract cannot tell.
+            const float remaining = isRound(first) ? 1 : firstCertainty < 0.5F ? 0.3F : 0.1F;
+            return { second, 1 - remaining * (1 - secondCertainty) };
+        }
+        if (!first.isNull() && (firstCertainty >= sure ? secondCertainty < 0.9F : secondCertainty < 0.5F))
+            return { first, std::min(firstCertainty, kUnsettled) };
+        const float alone = std::pow(secondCertainty, 1.5F);
+        return { second, firstCertainty >= sure ? std::min(alone, 0.965F) : alone };
+    }
+
+private:
+    static bool isRound(QChar c) { return c == u'O' || c == u'0'; }
 };
 
-/// From letters and digits alike by what each of them measures in OCR-B.
-Capital capitalOf(const Line& line, const QString& text)
+/// What else a glyph may be: the second opinion's likeliest first.
+QString alternativesOf(
+    QChar taken, const std::array<float, kGlyphs.size()>& probabilities, const Candidates& candidates)
 {
-    std::vector<double> heights;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const double own = line.cells[std::size_t(i)].height;
-        const QChar c = text[i];
-        if (own <= 0 || c == u'<' || c == u'O' || c == u'0' || c == u'Q')
-            continue;
-        const bool digit = c.isDigit();
-        const bool round = QStringLiteral("CGSJU").contains(c);
-        heights.push_back(own / (digit ? kZero : round ? kLetterO : 1.0));
+    constexpr float least = 0.002F;
+    constexpr qsizetype most = 4;
+    std::vector<std::pair<float, QChar>> ranked;
+    for (std::size_t i = 0; i < kGlyphs.size(); ++i) {
+        if (probabilities[i] > least)
+            ranked.emplace_back(probabilities[i], kGlyphs[i]);
     }
-    if (heights.empty())
-        return { line.height, 0.1 * line.height };
-    const auto middle = heights.begin() + std::ptrdiff_t(heights.size() / 2);
-    std::nth_element(heights.begin(), middle, heights.end());
-    // The mean of what is near the median: finer than whole pixels.
-    const double median = *middle;
-    double sum = 0;
-    double away = 0;
-    int count = 0;
-    for (const double height : heights) {
-        away += std::min(std::abs(height - median), 0.2 * median) / double(heights.size());
-        if (std::abs(height - median) < 0.06 * median) {
-            sum += height;
-            ++count;
-        }
+    std::sort(ranked.rbegin(), ranked.rend());
+    for (const auto& [character, rating] : candidates.ranked)
+        ranked.emplace_back(0.0F, character);
+    QString others;
+    for (const auto& [probability, character] : ranked) {
+        if (character != taken && !others.contains(character) && others.size() < most)
+            others += character;
     }
-    return { sum / count, away };
-}
-
-/// The odds, as a logarithm, that a cell holds a zero rather than an O.
-double zeroOdds(const Cell& cell, const Capital& line)
-{
-    const double capital = line.height;
-    const double height = cell.height / capital;
-    const double heightStray
-        = std::hypot(kHeightStray, kPixelStray / capital, std::max(0.0, line.stray / capital - kUsualStray));
-    const double aspect = cell.ink.width / std::max(1.0, cell.height);
-    const double aspectStray = std::hypot(kAspectStray, kPixelStray / capital);
-    const auto distance = [](double value, double mean, double stray) {
-        const double away = std::min(std::abs(value - mean) / stray, 4.0);
-        return away * away / 2;
-    };
-    const bool preserved = line.stray < 2 * kUsualStray * capital;
-    return (preserved ? kSharpness : 1.0)
-        * (distance(height, kLetterO, heightStray) - distance(height, kZero, heightStray)
-            + distance(aspect, kAspectO, aspectStray) - distance(aspect, kAspectZero, aspectStray) - kTallO);
+    return others;
 }
 
 /// A line one longer than a document's, with just one place where nothing was seen: an uneven gap, not a filler.
@@ -121,32 +106,63 @@ void dropSuperfluous(MrzLineReading& reading)
 
 } // namespace
 
-MrzLineReading judged(const Line& line, const std::vector<Candidates>& candidates)
+double capitalOf(const Line& line, const QString& text)
 {
-    MrzLineReading reading;
-    for (const Candidates& candidate : candidates) {
-        const bool any = !candidate.ranked.empty();
-        reading.text += any ? candidate.ranked.front().first : QChar(u'<');
-        const float best = any ? candidate.ranked.front().second : 0.0F;
-        const float second = candidate.ranked.size() > 1 ? candidate.ranked[1].second : 0.0F;
-        reading.certainties.push_back(any ? certaintyOf(best, best - second) : 0.0F);
-        QString others;
-        for (std::size_t i = 1; i < std::min<std::size_t>(candidate.ranked.size(), 4); ++i)
-            others += candidate.ranked[i].first;
-        reading.alternatives.push_back(others);
-    }
-    const Capital capital = capitalOf(line, reading.text);
-    for (qsizetype i = 0; i < reading.text.size(); ++i) {
-        if (reading.text[i] != u'O' && reading.text[i] != u'0')
+    std::vector<double> heights;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const double own = line.cells[std::size_t(i)].height;
+        const QChar c = text[i];
+        if (own <= 0 || c == u'<' || c == u'O' || c == u'0' || c == u'Q')
             continue;
-        const double odds = zeroOdds(line.cells[std::size_t(i)], capital);
-        const bool zero = odds > 0;
-        reading.text[i] = zero ? u'0' : u'O';
-        auto& others = reading.alternatives[std::size_t(i)];
-        others.remove(u'0').remove(u'O');
-        others.prepend(zero ? u'O' : u'0');
-        auto& certainty = reading.certainties[std::size_t(i)];
-        certainty = std::min(certainty, float(std::clamp(1 / (1 + std::exp(-std::abs(odds))), 0.5, 0.999)));
+        heights.push_back(own / (c.isDigit() ? kDigit : QStringLiteral("CGSJU").contains(c) ? kRound : 1.0));
+    }
+    if (heights.empty())
+        return line.height;
+    const auto middle = heights.begin() + std::ptrdiff_t(heights.size() / 2);
+    std::nth_element(heights.begin(), middle, heights.end());
+    // The mean of what is near the median: finer than whole pixels.
+    const double median = *middle;
+    double sum = 0;
+    int count = 0;
+    for (const double height : heights) {
+        if (std::abs(height - median) < 0.06 * median) {
+            sum += height;
+            ++count;
+        }
+    }
+    return sum / count;
+}
+
+MrzLineReading judged(const Line& line, const std::vector<Candidates>& candidates, const GlyphPatches& patches)
+{
+    QString first;
+    for (const Candidates& candidate : candidates)
+        first += candidate.ranked.empty() ? QChar(u'<') : candidate.ranked.front().first;
+    const double capital = capitalOf(line, first);
+    MrzLineReading reading;
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+        const GlyphPatch patch = patches.at(line, line.cells[i], capital);
+        const auto& ranked = candidates[i].ranked;
+        if (ranked.empty() && patch.isBlank()) {
+            reading.text += u'<';
+            reading.certainties.push_back(0);
+            reading.alternatives.emplace_back();
+            continue;
+        }
+        const auto probabilities = GlyphClassifier::shared().probabilities(patch);
+        const auto best = std::max_element(probabilities.begin(), probabilities.end());
+        Opinions opinions;
+        opinions.second = QChar(kGlyphs[std::size_t(best - probabilities.begin())]);
+        opinions.secondCertainty = *best;
+        if (!ranked.empty()) {
+            const float lead = ranked.front().second - (ranked.size() > 1 ? ranked[1].second : 0.0F);
+            opinions.first = ranked.front().first;
+            opinions.firstCertainty = certaintyOf(ranked.front().second, lead);
+        }
+        const auto [character, certainty] = opinions.verdict();
+        reading.text += character;
+        reading.certainties.push_back(certainty);
+        reading.alternatives.push_back(alternativesOf(character, probabilities, candidates[i]));
     }
     dropSuperfluous(reading);
     return reading;

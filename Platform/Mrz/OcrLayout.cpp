@@ -1,6 +1,7 @@
 #include "Platform/Mrz/OcrLayout.h"
 
-#include "Platform/Mrz/OcrFit.h"
+#include "Platform/Mrz/OcrComponents.h"
+#include "Platform/Mrz/OcrGrid.h"
 
 #include <opencv2/imgproc.hpp>
 
@@ -8,7 +9,6 @@
 #include <cmath>
 #include <numbers>
 #include <numeric>
-#include <optional>
 
 namespace kelvara::ocr {
 
@@ -20,39 +20,7 @@ constexpr double kLeastGlyph = 0.5;
 constexpr double kMostGlyph = 1.45;
 constexpr int kFewestPixels = 10; ///< A capital lower than this is not legible.
 constexpr std::size_t kFewestGlyphs = 8;
-constexpr std::size_t kMostCells = 80; ///< More than any line of a document has.
 constexpr std::size_t kMostLines = 12;
-
-struct Component
-{
-    int label;
-    cv::Rect box;
-    int area;
-
-    [[nodiscard]] double x() const { return box.x + box.width / 2.0; }
-    [[nodiscard]] double y() const { return box.y + box.height / 2.0; }
-};
-
-struct Components
-{
-    cv::Mat labels; ///< CV_32S.
-    std::vector<Component> all;
-};
-
-Components componentsOf(const cv::Mat& ink)
-{
-    Components found;
-    cv::Mat stats;
-    cv::Mat centroids;
-    const int count = cv::connectedComponentsWithStats(ink, found.labels, stats, centroids, 8, CV_32S);
-    for (int label = 1; label < count; ++label) {
-        const int* row = stats.ptr<int>(label);
-        found.all.push_back(
-            { label, { row[cv::CC_STAT_LEFT], row[cv::CC_STAT_TOP], row[cv::CC_STAT_WIDTH], row[cv::CC_STAT_HEIGHT] },
-                row[cv::CC_STAT_AREA] });
-    }
-    return found;
-}
 
 /// About the height of a capital: the height that most ink of letter-like components has.
 double glyphHeight(const std::vector<Component>& components, int imageHeight)
@@ -151,83 +119,12 @@ double pitchOf(const std::vector<std::vector<Component>>& rows, double height)
     return *middle;
 }
 
-/// A row's grid: where its places lie.
-struct Grid
-{
-    Curve x; ///< Of the place's number.
-    Curve y; ///< Of x.
-    int first = 0;
-    int last = 0;
-};
-
-std::optional<Grid> gridOf(const std::vector<Component>& row, double pitch)
-{
-    std::vector<double> numbers { 0 };
-    std::vector<double> xs { row.front().x() };
-    std::vector<double> ys { row.front().y() };
-    for (std::size_t i = 1; i < row.size(); ++i) {
-        numbers.push_back(numbers.back() + std::round((row[i].x() - row[i - 1].x()) / pitch));
-        xs.push_back(row[i].x());
-        ys.push_back(row[i].y());
-    }
-    Grid grid;
-    grid.x = fitCurve(numbers, xs, pitch * 0.25);
-    for (int round = 0; round < 2; ++round) {
-        for (std::size_t i = 0; i < xs.size(); ++i)
-            numbers[i] = std::round(grid.x.inverse(xs[i], numbers[i]));
-        grid.x = fitCurve(numbers, xs, pitch * 0.15);
-    }
-    grid.y = fitCurve(xs, ys, pitch * 0.12);
-    const auto ends = std::minmax_element(numbers.begin(), numbers.end());
-    grid.first = int(*ends.first);
-    grid.last = int(*ends.second);
-    const double step = grid.x.slope((grid.first + grid.last) / 2.0);
-    if (std::size_t(grid.last - grid.first) >= kMostCells || step < 0.7 * pitch || step > 1.4 * pitch)
-        return std::nullopt;
-    return grid;
-}
-
 void setCells(Line& line, const Grid& grid)
 {
     line.cells.clear();
     for (int number = grid.first; number <= grid.last; ++number) {
         const double x = grid.x.at(number);
         line.cells.push_back({ { x, grid.y.at(x) }, {}, 0, 0 });
-    }
-}
-
-bool isDocumentLength(std::size_t cells)
-{
-    return cells == 30 || cells == 36 || cells == 44;
-}
-
-/// All lines of a document begin and end one below the other: a line that is shorter than one of a document's length
-/// gets the places that have lost their ink.
-void complete(std::vector<Grid>& grids, double pitch)
-{
-    const auto length = [](const Grid& grid) { return std::size_t(grid.last - grid.first + 1); };
-    const Grid* whole = nullptr;
-    for (const Grid& grid : grids) {
-        if (isDocumentLength(length(grid)) && (!whole || length(grid) > length(*whole)))
-            whole = &grid;
-    }
-    if (!whole)
-        return;
-    const double left = whole->x.at(whole->first);
-    const double slope = whole->y.slope(left);
-    for (Grid& grid : grids) {
-        if (length(grid) >= length(*whole))
-            continue;
-        // Across a turned band the lines' beginnings drift sideways.
-        const double begin = left - slope * (grid.y.at(left) - whole->y.at(left));
-        const double exact = grid.x.inverse(begin, grid.first);
-        const int first = int(std::lround(exact));
-        const int last = first + whole->last - whole->first;
-        if (std::abs(exact - first) < 0.4 && first <= grid.first && last >= grid.last
-            && std::abs(grid.x.at(first) - begin) < 0.4 * pitch) {
-            grid.first = first;
-            grid.last = last;
-        }
     }
 }
 
@@ -308,12 +205,12 @@ double capitalHeight(const Line& line, double otherwise)
     return *middle;
 }
 
-/// Whether all lines have as many characters as those of some document.
+/// Whether there are as many lines as some document has, with as many characters.
 bool isPlausible(const Layout& layout)
 {
     const auto length = [](const Line& line) { return line.cells.size(); };
     const std::size_t first = layout.lines.empty() ? 0 : length(layout.lines.front());
-    return layout.lines.size() >= 2 && isDocumentLength(first)
+    return isDocumentLength(first) && layout.lines.size() >= linesOfLength(first)
         && std::all_of(layout.lines.begin(), layout.lines.end(), [&](const Line& l) { return length(l) == first; });
 }
 
@@ -353,7 +250,7 @@ Layout layoutOf(const cv::Mat& ink, int bridge)
         if (grid && grids.size() < kMostLines)
             grids.push_back(*grid);
     }
-    complete(grids, pitch);
+    complete(grids, ink, pitch, height);
     for (const Grid& grid : grids) {
         Line line;
         line.pitch = grid.x.slope((grid.first + grid.last) / 2.0);

@@ -152,13 +152,14 @@ private:
 
 } // namespace
 
-QKMRZParser::QKMRZParser(bool ocrCorrection)
-    : m_ocrCorrection(ocrCorrection), m_today([] { return QDate::currentDate(); })
-{ }
+QKMRZParser::QKMRZParser(bool ocrCorrection) : m_ocrCorrection(ocrCorrection)
+{
+    setToday({});
+}
 
 void QKMRZParser::setToday(std::function<QDate()> today)
 {
-    m_today = std::move(today);
+    m_today = today ? std::move(today) : [] { return QDate::currentDate(); };
 }
 
 std::optional<QKMRZResult> QKMRZParser::parse(const QStringList& lines) const

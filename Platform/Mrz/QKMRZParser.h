@@ -22,8 +22,8 @@ namespace kelvara {
 ///  - knows the alphabets of some issuing states: a Turkish identity card has the document number A99A99999 and an
 ///    identity number of eleven digits with two check digits of its own;
 ///  - withholds `allCheckDigitsValid` where another likely reading satisfies all check digits too, where fillers stand
-///    inside numbers, where a state code is unknown, and where so much had to be corrected that unseen errors are
-///    likely.
+///    inside numbers, where a state code is unknown, where the OCR could not read a character of the name, and where so
+///    much had to be corrected that unseen errors are likely.
 /// Without OCR correction nothing is replaced, and `allCheckDigitsValid` means what it says and that the dates are
 /// dates.
 ///
@@ -36,7 +36,8 @@ class QKMRZParser
 public:
     explicit QKMRZParser(bool ocrCorrection = false);
 
-    /// What day it is, for the century of two-digit years; the device's date by default.
+    /// What day it is, for the century of two-digit years; the device's date by default and
+    /// for an empty function.
     void setToday(std::function<QDate()> today);
 
     /// The zone in these lines; absent when no two or three of them have the shape of one. A result with wrong check

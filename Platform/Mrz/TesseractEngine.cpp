@@ -91,15 +91,17 @@ TesseractResult TesseractEngine::performOCR(const UIImage& on)
         return TesseractError { TesseractError::Kind::Failed, QStringLiteral("Tesseract gave up on the image.") };
     };
     try {
-        const ocr::Layout layout = ocr::findLayout(ocr::inkOf(image));
+        const cv::Mat ink = ocr::inkOf(image);
+        const ocr::Layout layout = ocr::findLayout(ink);
         TesseractText text;
         if (layout.lines.empty())
             return text;
         const auto found = d->reader->read(layout, ocr::layOut(layout));
         if (!found)
             return failed();
+        const ocr::GlyphPatches patches(ink);
         for (std::size_t l = 0; l < layout.lines.size(); ++l) {
-            text.lines.push_back(ocr::judged(layout.lines[l], (*found)[l]));
+            text.lines.push_back(ocr::judged(layout.lines[l], (*found)[l], patches));
             text.string += text.lines.back().text + u'\n';
         }
         return text;

@@ -73,6 +73,29 @@ TEST(ColorKernel, RefusesWhatItDoesNotUnderstand)
     EXPECT_TRUE(CIColorKernel::compile(kernel(minuses.toLatin1().constData())));
 }
 
+TEST(ColorKernel, TakesSourcesUpToALimit)
+{
+    const QString whole = kernel("return p;");
+    EXPECT_TRUE(CIColorKernel::compile(whole + QString(65536 - whole.size(), u' ')));
+    EXPECT_FALSE(CIColorKernel::compile(whole + QString(65537 - whole.size(), u' ')));
+    EXPECT_FALSE(CIColorKernel::compile(whole + QString(100'000'000, u' ')));
+    EXPECT_FALSE(CIColorKernel::compile(whole + QChar(0xd800)));
+}
+
+TEST(ColorKernel, NamesMayLookLikeNumbersToOthers)
+{
+    for (const char* name : { "inf", "nan", "infinity" }) {
+        const QString source = kernel(
+            (std::string("return vec4(vec3(") + name + "), 1);").c_str(), (std::string("float ") + name).c_str());
+        const auto compiled = CIColorKernel::compile(source);
+        ASSERT_TRUE(compiled) << name;
+        const auto result = compiled->apply(QRectF(0, 0, 1, 1), Arguments { 0.2159 });
+        EXPECT_EQ(CIContext::shared().createCGImage(*result, result->extent())->pixel(0, 0), qRgb(128, 128, 128))
+            << name;
+        EXPECT_FALSE(CIColorKernel::compile(kernel((std::string("return p * ") + name + ";").c_str()))) << name;
+    }
+}
+
 TEST(ColorKernel, TakesItsArgumentsAndItsExtent)
 {
     const auto compiled = CIColorKernel::compile(kernel("return p + vec4(0, 0, t, 0);"));

@@ -1,3 +1,4 @@
+#include "Platform/Imaging/CIColorKernel.h"
 #include "Platform/Imaging/CIContext.h"
 #include "Platform/Imaging/CIFilter.h"
 #include "Tests/Imaging/Pictures.h"
@@ -30,6 +31,21 @@ TEST(Lanczos, ScalesTheExtent)
     for (const double wrong : { 0.0, -1.0, std::nan(""), HUGE_VAL, 1e9 })
         EXPECT_FALSE(scaled(image, wrong)) << wrong;
     EXPECT_FALSE(scaled(CIImage(QImage()), 2));
+}
+
+TEST(Lanczos, RefusesWhatIsEndless)
+{
+    const auto kernel = CIColorKernel::compile(QStringLiteral("kernel vec4 k() { return vec4(1); }"));
+    ASSERT_TRUE(kernel);
+    for (const QSizeF size : { QSizeF(1 << 28, 1 << 28), QSizeF(1 << 28, 4), QSizeF(4, 70000) }) {
+        const auto endless = kernel->apply(QRectF(QPointF(), size), {});
+        ASSERT_TRUE(endless);
+        EXPECT_FALSE(scaled(*endless, 2)) << size.width();
+        EXPECT_FALSE(CIContext::shared().createCGImage(*endless, endless->extent()));
+    }
+    const auto endless = kernel->apply(QRectF(0, 0, 1 << 28, 1 << 28), {});
+    EXPECT_FALSE(scaled(*endless, 1.0 / 64));
+    EXPECT_FALSE(endless->applyingFilter(QStringLiteral("CIAreaAverage"), {}));
 }
 
 // A straight sum over both directions at once, written from the definition.

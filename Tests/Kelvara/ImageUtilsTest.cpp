@@ -219,6 +219,15 @@ TEST(ImageUtils, PreProcessingGivesASmallGreyImageOfTwiceTheHeight)
     }
 }
 
+TEST(ImageUtils, PreProcessingGivesNothingForWhatIsTooLarge)
+{
+    for (const QSize size : { QSize(40000, 3), QSize(3, 16384), QSize(3, 40000) }) {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        EXPECT_TRUE(ImageUtils::preProcess(image).isNull()) << size.width();
+    }
+}
+
 TEST(ImageUtilsDeathTest, WhatCannotBeIsFatal)
 {
     const UIImage image(pictures::photo(4, 2));

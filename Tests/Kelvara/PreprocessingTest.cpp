@@ -154,7 +154,9 @@ TEST(PreprocessImage, YieldsNothingForNothing)
     FilterVendor::registerFilters();
     EXPECT_FALSE(preprocessImage(QImage()));
     EXPECT_EQ(preprocessImage(uniform(kWhite, QImage::Format_RGB32, { 1, 1 }))->size(), QSize(2, 2));
-    EXPECT_FALSE(preprocessImage(uniform(kWhite, QImage::Format_RGB32, { 20000, 2 })));
+    for (const QSize size : { QSize(16384, 2), QSize(2, 16384), QSize(40000, 2), QSize(100000, 1), QSize(9000, 9000) })
+        EXPECT_FALSE(preprocessImage(uniform(kWhite, QImage::Format_RGB32, size))) << size.width();
+    EXPECT_EQ(preprocessImage(uniform(kWhite, QImage::Format_RGB32, { 16383, 2 }))->size(), QSize(32766, 4));
 }
 
 } // namespace

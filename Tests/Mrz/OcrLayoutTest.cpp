@@ -69,6 +69,47 @@ TEST(OcrLayout, LeavesSpeckleOutAndFillsLostPlaces)
     EXPECT_EQ(layout.lines[0].cells[0].ink.height, clean.lines[0].cells[0].ink.height);
 }
 
+/// Leaves of a cell's ink what lies within some pixels of its place's centre.
+void fade(cv::Mat& ink, const ocr::Cell& cell)
+{
+    const cv::Rect around = cell.ink & cv::Rect({}, ink.size());
+    cv::Mat rest = cv::Mat::zeros(ink.size(), CV_8U);
+    cv::circle(rest, cell.center, 9, 255, cv::FILLED);
+    cv::Mat part = ink(around);
+    part &= rest(around);
+    cv::circle(ink, cell.center, 4, 255, cv::FILLED); // some glyphs are hollow there
+}
+
+TEST(OcrLayout, TakesADocumentsShapeWhereOnlyRemnantsAreLeft)
+{
+    for (const auto format : { BandFormat::TD1, BandFormat::TD2, BandFormat::TD3 }) {
+        for (const double degrees : { -1.5, 0.0, 1.5 }) {
+            const cv::Mat whole = band(format, 40, degrees);
+            const ocr::Layout clean = ocr::findLayout(whole);
+            const std::size_t length = clean.lines.front().cells.size();
+            // All lines end in remnants, or one line is nothing but remnants.
+            for (std::size_t faded = 0; faded <= clean.lines.size(); ++faded) {
+                SCOPED_TRACE(testing::Message() << length << " characters at " << degrees << ", line " << faded);
+                cv::Mat ink = whole.clone();
+                for (std::size_t l = 0; l < clean.lines.size(); ++l) {
+                    const auto& cells = clean.lines[l].cells;
+                    for (std::size_t c = faded == l ? 0 : cells.size() - 9; c < cells.size(); ++c) {
+                        if (faded == l || faded == clean.lines.size())
+                            fade(ink, cells[c]);
+                    }
+                }
+                const ocr::Layout layout = ocr::findLayout(ink);
+                ASSERT_EQ(layout.lines.size(), clean.lines.size());
+                for (std::size_t l = 0; l < layout.lines.size(); ++l) {
+                    ASSERT_EQ(layout.lines[l].cells.size(), length);
+                    for (std::size_t c = 0; c < length; ++c)
+                        EXPECT_LT(cv::norm(layout.lines[l].cells[c].center - clean.lines[l].cells[c].center), 8);
+                }
+            }
+        }
+    }
+}
+
 TEST(OcrLayout, CutsGlyphsThatTouch)
 {
     cv::Mat ink = band(BandFormat::TD1, 40, 0);

@@ -166,6 +166,17 @@ TEST(Parser, PlacesYearsAroundThePresent)
     }
 }
 
+TEST(Parser, AsksTheDeviceWhenNobodySaysWhatDayItIs)
+{
+    QKMRZParser made;
+    made.setToday([] { return QDate(1999, 1, 1); });
+    made.setToday({});
+    const auto result = made.parse(lines(turkish));
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->birthDate, parser().parse(lines(turkish))->birthDate);
+    EXPECT_TRUE(result->expiryDate);
+}
+
 TEST(Parser, TakesSexAsItStands)
 {
     for (const auto& [printed, sex] :
@@ -272,6 +283,27 @@ TEST(Parser, BelievesAnEngineThatIsCertain)
     read[0].alternatives.assign(6, QString());
     read[0].alternatives[5] = QStringLiteral("HR");
     EXPECT_TRUE(parser().parse(read)->allCheckDigitsValid);
+}
+
+TEST(Parser, WaitsForANameThatWasRead)
+{
+    struct Row
+    {
+        std::size_t column;
+        bool isValid;
+    };
+    // YILMAZ<<AYSE<NUR<<<: within the names, the filler that ends them, and what follows.
+    for (const Row& row :
+        { Row { 0, false }, { 3, false }, { 6, false }, { 15, false }, { 16, false }, { 17, true }, { 29, true } }) {
+        auto read = certain(lines(turkish));
+        read[2].certainties[row.column] = 0.1F;
+        const auto result = parser().parse(read);
+        ASSERT_TRUE(result);
+        EXPECT_EQ(result->allCheckDigitsValid, row.isValid) << row.column;
+        EXPECT_EQ(result->surnames, u"YILMAZ");
+        read[2].certainties[row.column] = 0.6F;
+        EXPECT_TRUE(parser().parse(read)->allCheckDigitsValid);
+    }
 }
 
 TEST(Parser, CheckDigitsDecideWhereTheEngineDoubts)

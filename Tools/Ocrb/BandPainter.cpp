@@ -16,8 +16,7 @@ namespace {
 using specimen::Dice;
 using specimen::SpecimenFonts;
 
-// In capitals' heights: OCR-B has capitals as high as its pitch.
-constexpr double kPitch = 1.0;
+// In capitals' heights.
 constexpr double kLinePitch = 2.5;
 constexpr double kMargin = 0.9;
 
@@ -73,7 +72,7 @@ std::optional<QImage> paintBand(const QStringList& lines, const BandOptions& opt
     QTransform turn;
     turn.rotate(options.degrees);
     turn.scale(capital * options.stretch, capital);
-    const QRectF text(0, 0, kPitch * double(longest), kLinePitch * double(lines.size() - 1) + 1);
+    const QRectF text(0, 0, options.pitch * double(longest), kLinePitch * double(lines.size() - 1) + 1);
     const QRectF outer
         = turn.mapRect(text).adjusted(-kMargin * capital, -kMargin * capital, kMargin * capital, kMargin * capital);
     const QPointF corner = outer.topLeft() - QPointF(dice.unit(), dice.unit());
@@ -85,7 +84,7 @@ std::optional<QImage> paintBand(const QStringList& lines, const BandOptions& opt
     painter.setRenderHint(QPainter::Antialiasing);
     for (qsizetype l = 0; l < lines.size(); ++l) {
         for (qsizetype c = 0; c < lines[l].size(); ++c) {
-            const double x = kPitch * double(c) + dice.normal(options.jitter);
+            const double x = options.pitch * double(c) + dice.normal(options.jitter);
             const double y = kLinePitch * double(l) + 1 + dice.normal(options.jitter);
             QTransform glyph;
             glyph.scale(2, 2);

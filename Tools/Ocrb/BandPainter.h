@@ -17,6 +17,7 @@ struct BandOptions
     double noise = 0; ///< Sigma in grey levels.
     double degrees = 0; ///< Turned clockwise.
     double stretch = 1; ///< Of the width.
+    double pitch = 1; ///< Between neighbours: documents differ in the size of the glyphs on the same pitch.
     double weight = 0; ///< Added to every stroke's width.
     double jitter = 0; ///< Sigma of every glyph's place.
     double paper = 215; ///< Grey levels.

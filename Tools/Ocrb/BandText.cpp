@@ -112,4 +112,18 @@ QStringList bandText(BandFormat format, std::uint32_t seed)
     return { padded(first + holder, length), second };
 }
 
+QStringList evenText(std::uint32_t seed)
+{
+    const QString alphabet = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789<");
+    Dice dice(seed, 0x6576); // "ev"
+    QStringList lines;
+    for (int l = 0; l < 3; ++l) {
+        QString line;
+        for (int c = 0; c < 30; ++c)
+            line += alphabet[dice.integer(0, int(alphabet.size()) - 1)];
+        lines << line;
+    }
+    return lines;
+}
+
 } // namespace kelvara::ocrb

@@ -27,21 +27,6 @@ namespace {
 // Below a million: what is trained and tuned on. Gates and evaluations use seeds from five million.
 constexpr std::uint32_t kFirstSeed = 100'000;
 
-/// Lines in which every character comes about equally often, digits and letters mixed.
-QStringList evenText(std::uint32_t seed)
-{
-    const QString alphabet = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789<");
-    specimen::Dice dice(seed, 0x6576); // "ev"
-    QStringList lines;
-    for (int l = 0; l < 3; ++l) {
-        QString line;
-        for (int c = 0; c < 30; ++c)
-            line += alphabet[dice.integer(0, int(alphabet.size()) - 1)];
-        lines << line;
-    }
-    return lines;
-}
-
 bool draw(const QString& base, const QStringList& lines, const BandOptions& options)
 {
     const auto band = paintBand(lines, options);
