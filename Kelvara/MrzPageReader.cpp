@@ -1,0 +1,140 @@
+#include "Kelvara/MrzPageReader.h"
+
+#include "Kelvara/MrzConsensus.h"
+#include "Kelvara/MrzPreprocessing.h"
+#include "Kelvara/MrzToneCurve.h"
+#include "Platform/Mrz/MrzLines.h"
+#include "Platform/Vision/MrzBandImage.h"
+
+#include <QElapsedTimer>
+
+#include <array>
+#include <tuple>
+#include <utility>
+
+namespace kelvara {
+
+namespace {
+
+constexpr std::size_t kMostBands = 3;
+
+/// One way to draw a band and to make it black and white.
+struct Manner
+{
+    MrzBandLook look;
+    double cut = 0.5;
+};
+
+constexpr std::array kManners { Manner { { .capital = 22, .brightestChannel = false, .sharpness = 1 }, 0.5 },
+    Manner { { .capital = 22, .brightestChannel = false, .sharpness = 0 }, 0.5 },
+    Manner { { .capital = 22, .brightestChannel = true, .sharpness = 1 }, 0.4 } };
+
+using Lines = std::vector<MrzLineReading>;
+
+struct Attempt
+{
+    Lines text;
+    std::optional<QKMRZResult> result;
+
+    [[nodiscard]] bool isValid() const { return result && result->allCheckDigitsValid; }
+
+    /// Greater is better.
+    [[nodiscard]] std::tuple<bool, bool, int, double> merit() const
+    {
+        int checks = 0;
+        if (result)
+            checks = int(result->isDocumentNumberValid) + int(result->isBirthDateValid) + int(result->isExpiryDateValid)
+                + int(result->isPersonalNumberValid.value_or(false)) + int(result->isFinalCheckDigitValid.value_or(false));
+        double certainty = 0;
+        std::size_t count = 1;
+        for (const MrzLineReading& line : text) {
+            for (const float one : line.certainties) {
+                certainty += double(one);
+                ++count;
+            }
+        }
+        return { isValid(), result.has_value(), checks, certainty / double(count) };
+    }
+};
+
+class Stopwatch
+{
+public:
+    Stopwatch() { m_timer.start(); }
+    /// Since it was made or last asked.
+    double milliseconds()
+    {
+        const double passed = double(m_timer.nsecsElapsed()) / 1e6;
+        m_timer.restart();
+        return passed;
+    }
+
+private:
+    QElapsedTimer m_timer;
+};
+
+} // namespace
+
+MrzPageReading MrzPageReader::read(const QImage& picture)
+{
+    MrzPageReading reading;
+    Stopwatch watch;
+    const std::vector<MrzBand> bands = findMrzBands(picture);
+    reading.stages.search = watch.milliseconds();
+    std::optional<Attempt> best;
+    const auto consider = [&](Attempt attempt, const MrzBand& band) {
+        if (best && best->merit() >= attempt.merit())
+            return;
+        best = std::move(attempt);
+        reading.band = band;
+    };
+    const auto parsed = [&](const Lines& text) {
+        const auto lines = mrzLines(text);
+        return lines ? m_parser.parse(*lines) : std::nullopt;
+    };
+    for (std::size_t b = 0; b < std::min(bands.size(), kMostBands); ++b) {
+        if (best && best->result)
+            break; // A band was right, if not legible.
+        std::vector<Lines> texts;
+        for (const Manner& manner : kManners) {
+            watch.milliseconds();
+            const QImage drawn = drawMrzBand(picture, bands[b], manner.look);
+            const auto prepared = preprocessImage(tonedForThreshold(drawn, manner.cut));
+            reading.stages.preprocess += watch.milliseconds();
+            if (!prepared)
+                continue;
+            ++reading.attempts;
+            TesseractResult result = m_engine.performOCR(*prepared);
+            reading.stages.ocr += watch.milliseconds();
+            if (auto* error = std::get_if<TesseractError>(&result)) {
+                reading.error = std::move(*error);
+                return reading;
+            }
+            Attempt attempt;
+            attempt.text = std::get<TesseractText>(std::move(result)).lines;
+            attempt.result = parsed(attempt.text);
+            reading.stages.parse += watch.milliseconds();
+            texts.push_back(attempt.text);
+            const bool isNothing = !attempt.result;
+            consider(std::move(attempt), bands[b]);
+            if (best->isValid() || (isNothing && texts.size() == 2 && !best->result))
+                break;
+        }
+        if (texts.size() > 1 && !best->isValid()) {
+            watch.milliseconds();
+            Attempt together;
+            together.text = consensusOf(texts);
+            together.result = parsed(together.text);
+            reading.stages.parse += watch.milliseconds();
+            consider(std::move(together), bands[b]);
+        }
+    }
+    if (best) {
+        reading.text = std::move(best->text);
+        reading.result = std::move(best->result);
+    } else if (!bands.empty())
+        reading.band = bands.front();
+    return reading;
+}
+
+} // namespace kelvara
