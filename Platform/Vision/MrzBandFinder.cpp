@@ -19,32 +19,44 @@ constexpr int kSmallest = 500; ///< Pictures below are enlarged to twice their s
 constexpr std::size_t kMostBands = 4;
 constexpr double kLeastRhythm = 0.07; ///< Of lines that are evenly pitched; other print stays below.
 
-cv::Mat lumaOf(const QImage& picture)
+/// The brightest of each pixel's colours: black print stays black, coloured patterns come near paper.
+cv::Mat brightnessOf(const QImage& picture)
 {
-    const QImage grey = picture.convertToFormat(QImage::Format_Grayscale8);
-    return cv::Mat(grey.height(), grey.width(), CV_8U, const_cast<uchar*>(grey.constBits()),
-        std::size_t(grey.bytesPerLine()))
-        .clone();
+    if (picture.isGrayscale()) {
+        const QImage grey = picture.convertToFormat(QImage::Format_Grayscale8);
+        return cv::Mat(grey.height(), grey.width(), CV_8U, const_cast<uchar*>(grey.constBits()),
+            std::size_t(grey.bytesPerLine()))
+            .clone();
+    }
+    const QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
+    cv::Mat brightness(rgb.height(), rgb.width(), CV_8U);
+    for (int y = 0; y < rgb.height(); ++y) {
+        const uchar* in = rgb.constScanLine(y);
+        uchar* out = brightness.ptr<uchar>(y);
+        for (int x = 0; x < rgb.width(); ++x)
+            out[x] = std::max(in[4 * x], std::max(in[4 * x + 1], in[4 * x + 2]));
+    }
+    return brightness;
 }
 
 /// A picture at one size, and by what its places are multiplied to be those of the whole one.
 struct Scaled
 {
-    cv::Mat luma;
+    cv::Mat brightness;
     double factor = 1;
 };
 
-Scaled scaled(const cv::Mat& luma, double size)
+Scaled scaled(const cv::Mat& brightness, double size)
 {
-    Scaled small { luma, 1 / size };
+    Scaled small { brightness, 1 / size };
     if (std::abs(size - 1) > 1e-9)
-        cv::resize(luma, small.luma, {}, size, size, size < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
+        cv::resize(brightness, small.brightness, {}, size, size, size < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
     return small;
 }
 
-double sizeFor(const cv::Mat& luma, int longer)
+double sizeFor(const cv::Mat& brightness, int longer)
 {
-    return double(longer) / std::max(luma.cols, luma.rows);
+    return double(longer) / std::max(brightness.cols, brightness.rows);
 }
 
 /// Rows that may be neighbours in a zone.
@@ -116,7 +128,7 @@ std::optional<MrzBand> bandOf(const cv::Mat& strokes, const std::vector<TextRow>
 
 void search(const Scaled& picture, std::vector<MrzBand>& bands)
 {
-    const cv::Mat strokes = strokesOf(picture.luma);
+    const cv::Mat strokes = strokesOf(picture.brightness);
     const std::vector<TextRow> rows = findTextRows(strokes);
     const auto add = [&](const std::vector<TextRow>& group) {
         if (auto band = bandOf(strokes, group)) {
@@ -164,12 +176,12 @@ std::vector<MrzBand> findMrzBands(const QImage& picture)
     std::vector<MrzBand> bands;
     if (picture.width() < 60 || picture.height() < 15)
         return bands;
-    const cv::Mat luma = lumaOf(picture);
-    const int longer = std::max(luma.cols, luma.rows);
-    const Scaled fine = scaled(luma, longer < kSmallest ? 2.0 : std::min(1.0, sizeFor(luma, kLargest)));
+    const cv::Mat brightness = brightnessOf(picture);
+    const int longer = std::max(brightness.cols, brightness.rows);
+    const Scaled fine = scaled(brightness, longer < kSmallest ? 2.0 : std::min(1.0, sizeFor(brightness, kLargest)));
     search(fine, bands);
     if (longer > kCoarse * 1.2) {
-        Scaled coarse = scaled(fine.luma, sizeFor(fine.luma, kCoarse));
+        Scaled coarse = scaled(fine.brightness, sizeFor(fine.brightness, kCoarse));
         coarse.factor *= fine.factor;
         search(coarse, bands);
     }

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kStroke = 9; ///< Wider than a stroke, in pixels.
 constexpr int kAround = 41; ///< What counts as surroundings of a stroke.
+constexpr double kFaintShare = 0.5; ///< Of the strongest stroke around.
 constexpr double kFaintest = 9; ///< Grey levels by which a stroke must stand out.
 constexpr int kGap = 19; ///< Wider than what lies between neighbouring glyphs.
 constexpr int kRun = 31; ///< A row has no shorter pieces.
@@ -26,11 +27,11 @@ cv::Mat block(int width, int height)
 /// Where strokes stand so close that they may be a row, and what is not as long as a row's pieces taken away.
 cv::Mat runsOf(const cv::Mat& strokes)
 {
-    cv::Mat around;
-    cv::blur(strokes, around, { kAround, kAround }, { -1, -1 }, cv::BORDER_REPLICATE);
-    // What stands out from its own surroundings: a faint texture beside print does not.
+    // A faint texture beside print is none, however much it stands out where there is no print.
     cv::Mat least;
-    around.convertTo(least, CV_8U, 1.2, 0);
+    cv::blur(strokes, least, { 3, 3 });
+    cv::dilate(least, least, block(kAround, kAround));
+    least.convertTo(least, CV_8U, kFaintShare);
     cv::max(least, kFaintest, least);
     cv::Mat runs = strokes > least;
     cv::morphologyEx(runs, runs, cv::MORPH_CLOSE, block(kGap, 1));
@@ -107,10 +108,10 @@ void join(std::vector<TextRow>& rows)
 
 } // namespace
 
-cv::Mat strokesOf(const cv::Mat& luma)
+cv::Mat strokesOf(const cv::Mat& brightness)
 {
     cv::Mat strokes;
-    cv::morphologyEx(luma, strokes, cv::MORPH_BLACKHAT, block(kStroke, kStroke));
+    cv::morphologyEx(brightness, strokes, cv::MORPH_BLACKHAT, block(kStroke, kStroke));
     return strokes;
 }
 
