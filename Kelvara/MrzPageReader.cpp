@@ -2,6 +2,7 @@
 
 #include "Kelvara/MrzConsensus.h"
 #include "Kelvara/MrzPreprocessing.h"
+#include "Kelvara/MrzPrint.h"
 #include "Kelvara/MrzToneCurve.h"
 #include "Platform/Mrz/MrzLines.h"
 #include "Platform/Vision/MrzBandImage.h"
@@ -96,7 +97,8 @@ MrzPageReading MrzPageReader::read(const QImage& picture)
         if (best && best->result)
             break; // A band was right, if not legible.
         std::vector<Lines> texts;
-        for (const Manner& manner : kManners) {
+        static const std::vector<Manner> mm = [] { std::vector<Manner> m(kManners.begin(), kManners.end()); if (qEnvironmentVariableIsSet("KV")) { m.clear(); for (auto& p : qEnvironmentVariable("KV").split(u';')) { auto f = p.split(u','); m.push_back({ { f[0].toDouble(), f[1].toInt() != 0, f[2].toDouble() }, f[3].toDouble() }); } } return m; }();
+        for (const Manner& manner : mm) {
             watch.milliseconds();
             const QImage drawn = drawMrzBand(picture, bands[b], manner.look);
             const auto prepared = preprocessImage(tonedForThreshold(drawn, manner.cut));
@@ -112,23 +114,33 @@ MrzPageReading MrzPageReader::read(const QImage& picture)
             }
             Attempt attempt;
             attempt.text = std::get<TesseractText>(std::move(result)).lines;
-            attempt.result = parsed(attempt.text);
-            reading.stages.parse += watch.milliseconds();
             texts.push_back(attempt.text);
-            const bool isNothing = !attempt.result;
+            // One drawing of small print cannot be trusted with O and 0; several that agree can.
+            doubtZeros(attempt.text, bands[b].pitch);
+            attempt.result = parsed(attempt.text);
             consider(std::move(attempt), bands[b]);
-            if (best->isValid() || (isNothing && texts.size() == 2 && !best->result))
+            if (texts.size() > 1 && !best->isValid()) {
+                Attempt together;
+                together.text = consensusOf(texts);
+                together.result = parsed(together.text);
+                consider(std::move(together), bands[b]);
+            }
+            reading.stages.parse += watch.milliseconds();
+            if (best->isValid() || (texts.size() == 2 && !best->result))
                 break;
         }
-        if (texts.size() > 1 && !best->isValid()) {
-            watch.milliseconds();
-            Attempt together;
-            together.text = consensusOf(texts);
-            together.result = parsed(together.text);
-            reading.stages.parse += watch.milliseconds();
-            consider(std::move(together), bands[b]);
-        }
     }
+    if (best && !best->isValid()) {
+        watch.milliseconds();
+        Attempt guess;
+        guess.text = withZerosPreferred(best->text);
+        guess.result = parsed(guess.text);
+        if (guess.merit() >= best->merit())
+            best = std::move(guess);
+        reading.stages.parse += watch.milliseconds();
+    }
+    if (best && best->result)
+        reading.lines = printedLines(*best->result, best->text);
     if (best) {
         reading.text = std::move(best->text);
         reading.result = std::move(best->result);

@@ -180,7 +180,7 @@ std::vector<MrzBand> findMrzBands(const QImage& picture)
     const int longer = std::max(brightness.cols, brightness.rows);
     const Scaled fine = scaled(brightness, longer < kSmallest ? 2.0 : std::min(1.0, sizeFor(brightness, kLargest)));
     search(fine, bands);
-    if (longer > kCoarse * 1.2) {
+    if (std::max(fine.brightness.cols, fine.brightness.rows) > kCoarse * 1.2) {
         Scaled coarse = scaled(fine.brightness, sizeFor(fine.brightness, kCoarse));
         coarse.factor *= fine.factor;
         search(coarse, bands);

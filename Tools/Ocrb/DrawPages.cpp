@@ -27,6 +27,9 @@ int main(int argc, char** argv)
         { QStringLiteral("seed"), QStringLiteral("First seed."), QStringLiteral("number"), QStringLiteral("1") });
     options.addOption(
         { QStringLiteral("count"), QStringLiteral("How many."), QStringLiteral("number"), QStringLiteral("60") });
+    options.addOption({ QStringLiteral("widest"), QStringLiteral("Greatest width in pixels."),
+        QStringLiteral("number"), QStringLiteral("1600") });
+    options.addOption({ QStringLiteral("poor"), QStringLiteral("Badly printed and badly scanned.") });
     options.addPositionalArgument(QStringLiteral("FOLDER"), QStringLiteral("Where to."));
     options.process(application);
     if (options.positionalArguments().size() != 1)
@@ -36,10 +39,12 @@ int main(int argc, char** argv)
     QJsonArray truth;
     const std::uint32_t first = options.value(QStringLiteral("seed")).toUInt();
     const std::uint32_t count = options.value(QStringLiteral("count")).toUInt();
+    const int widest = options.value(QStringLiteral("widest")).toInt();
+    const bool isPoor = options.isSet(QStringLiteral("poor"));
     for (std::uint32_t seed = first; seed < first + count; ++seed) {
         static constexpr std::array formats { BandFormat::TD1, BandFormat::TD3, BandFormat::TD2 };
         const QStringList lines = bandText(formats[seed % formats.size()], seed);
-        const auto page = paintPage(lines, pageOptions(lines, seed));
+        const auto page = paintPage(lines, pageOptions(lines, seed, widest, isPoor));
         specimen::Dice dice(seed, 0x6a71); // "jq"
         const QString name = QStringLiteral("page-%1.jpg").arg(seed);
         if (!page || !page->picture.save(folder.filePath(name), "JPG", int(dice.real(40, 90)))) {

@@ -49,13 +49,13 @@ QColor pastel(Dice& dice)
     return QColor::fromHsv(int(dice.real(0, 359)), int(dice.real(5, 70)), int(dice.real(205, 255)));
 }
 
-void paintGuilloche(QPainter& painter, const Paper& paper, Dice& dice)
+void paintGuilloche(QPainter& painter, const Paper& paper, bool isPoor, Dice& dice)
 {
     painter.setBrush(Qt::NoBrush);
     const int families = 2 + int(dice.real(0, 3));
     for (int family = 0; family < families; ++family) {
         QColor colour = QColor::fromHsv(int(dice.real(0, 359)), int(dice.real(40, 170)), int(dice.real(120, 230)));
-        colour.setAlphaF(float(dice.real(0.1, 0.5)));
+        colour.setAlphaF(float(dice.real(0.1, isPoor ? 0.9 : 0.5)));
         painter.setPen(QPen(colour, dice.real(0.08, 0.25)));
         const double apart = dice.real(0.7, 2.2);
         const double length = dice.real(8, 40);
@@ -101,16 +101,20 @@ void paintUpperPart(QPainter& painter, const SpecimenFonts& fonts, const Paper& 
     }
 }
 
-void paintZone(QPainter& painter, const SpecimenFonts& fonts, const QStringList& lines, const Paper& paper, Dice& dice)
+void paintZone(QPainter& painter, const SpecimenFonts& fonts, const QStringList& lines, const Paper& paper, bool isPoor,
+    Dice& dice)
 {
-    const int level = int(dice.real(10, 70));
+    const int level = int(dice.real(10, isPoor ? 120 : 70));
     const QColor ink(level, level, level + 8);
-    const double weight = dice.real(-0.02, 0.1);
+    const double weight = dice.real(-0.02, isPoor ? 0.3 : 0.1);
+    const double widen = isPoor ? dice.real(0.9, 1.08) : 1;
+    const double heighten = isPoor ? dice.real(0.88, 1.1) : 1;
     for (qsizetype l = 0; l < lines.size(); ++l) {
         for (qsizetype c = 0; c < lines[l].size(); ++c) {
             QTransform place;
             place.translate(paper.left + paper.pitch * double(c) + dice.normal(0.02),
                 paper.level + paper.apart * double(l) + dice.normal(0.02));
+            place.scale(widen, heighten);
             const QPainterPath glyph
                 = place.map(fonts.outline(SpecimenFonts::Face::Ocr, lines[l].mid(c, 1), 2.54));
             painter.fillPath(glyph, ink);
@@ -122,14 +126,15 @@ void paintZone(QPainter& painter, const SpecimenFonts& fonts, const QStringList&
 
 } // namespace
 
-PageOptions pageOptions(const QStringList& lines, std::uint32_t seed)
+PageOptions pageOptions(const QStringList& lines, std::uint32_t seed, int widest, bool isPoor)
 {
     Dice dice(seed, 0x706f); // "po"
     PageOptions options { .seed = seed };
     const double least = lines.value(0).size() == 44 ? 520 : lines.value(0).size() == 36 ? 400 : 260;
-    options.width = int(least * std::pow(1600 / least, std::pow(dice.unit(), 1.6)));
-    options.degrees = dice.real(-3, 3) * dice.unit();
-    options.blur = dice.real(0, 0.7);
+    options.width = int(least * std::pow(std::max(widest, 100) / least, std::pow(dice.unit(), 1.6)));
+    options.isPoor = isPoor;
+    options.degrees = (isPoor ? dice.real(-5, 5) : dice.real(-3, 3)) * dice.unit();
+    options.blur = dice.real(0, isPoor ? 1.0 : 0.7);
     options.noise = dice.real(0, 6);
     options.isOnTable = dice.unit() < 0.3;
     if (options.isOnTable)
@@ -167,11 +172,11 @@ std::optional<Page> paintPage(const QStringList& lines, const PageOptions& optio
     wash.setColorAt(1, pastel(dice));
     painter.fillPath(sheet, wash);
     painter.setClipPath(sheet);
-    paintGuilloche(painter, paper, dice);
+    paintGuilloche(painter, paper, options.isPoor, dice);
     if (dice.unit() < 0.5) // Many documents keep the zone free of it, or nearly so.
         painter.fillRect(QRectF(0, paper.level - 5, paper.width, paper.height), QColor(255, 255, 255, int(dice.real(100, 250))));
     paintUpperPart(painter, *fonts, paper, dice);
-    paintZone(painter, *fonts, lines, paper, dice);
+    paintZone(painter, *fonts, lines, paper, options.isPoor, dice);
     painter.end();
 
     const cv::Mat drawn(large.height(), large.width(), CV_8UC4, large.bits(), std::size_t(large.bytesPerLine()));

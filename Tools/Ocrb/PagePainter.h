@@ -17,12 +17,13 @@ struct PageOptions
     double degrees = 0; ///< Turned clockwise.
     double blur = 0; ///< Sigma, in pixels of the picture.
     double noise = 0; ///< Sigma, in grey levels.
+    bool isPoor = false; ///< Faint or fat print of unusual proportions on strong patterns.
     bool isOnTable = false; ///< With something around the document rather than filling the picture.
 };
 
-/// Options as scans and photographs have them: widths of 260 to 1600 (passports from 520), turns within 3°, blur up to
-/// 0.7 pixels.
-[[nodiscard]] PageOptions pageOptions(const QStringList& lines, std::uint32_t seed);
+/// Options as scans and photographs have them: widths of 260 (passports 520) to `widest`, turns within 3°, blur up to
+/// 0.7 pixels; poor ones turns within 5° and blur up to 1 pixel.
+[[nodiscard]] PageOptions pageOptions(const QStringList& lines, std::uint32_t seed, int widest = 1600, bool isPoor = false);
 
 struct Page
 {
