@@ -14,6 +14,10 @@ namespace {
 constexpr double kMarginAcross = 0.7;
 constexpr double kMarginAlong = 1.6;
 
+constexpr double kPatternShare = 0.95; ///< What part of a pattern's pixels is to come below the faint.
+constexpr double kFaint = 0.2; ///< Shares of ink so small do no harm.
+constexpr double kDarkestPattern = 0.6;
+
 /// The part of the picture that the band lies in, as one channel.
 cv::Mat channelOf(const QImage& picture, const QRect& part, bool brightest)
 {
@@ -61,6 +65,26 @@ cv::Mat inkOf(const cv::Mat& band, double capital)
     return share;
 }
 
+/// How dark the pattern is that lies between the lines, whose first and last middles are at `first` and `last`.
+double patternOf(const cv::Mat& ink, int lines, double first, double last, double capital)
+{
+    const double apart = (last - first) / (lines - 1);
+    const double half = (apart - 1.25 * capital) / 2;
+    std::vector<float> shares;
+    for (int gap = 0; gap + 1 < lines && half >= 1; ++gap) {
+        const double middle = first + (gap + 0.5) * apart;
+        const int begin = std::max(0, int(middle - half));
+        const int end = std::min(ink.rows, int(middle + half) + 1);
+        for (int y = begin; y < end; ++y)
+            shares.insert(shares.end(), ink.ptr<float>(y), ink.ptr<float>(y) + ink.cols);
+    }
+    if (shares.empty())
+        return 0;
+    const auto most = shares.begin() + std::ptrdiff_t(kPatternShare * double(shares.size()));
+    std::nth_element(shares.begin(), most, shares.end());
+    return double(*most);
+}
+
 } // namespace
 
 QImage drawMrzBand(const QImage& picture, const MrzBand& band, const MrzBandLook& look)
@@ -103,7 +127,12 @@ QImage drawMrzBand(const QImage& picture, const MrzBand& band, const MrzBandLook
         cv::GaussianBlur(drawn, soft, {}, 0.18 * capital);
         cv::addWeighted(drawn, 1 + look.sharpness, soft, -look.sharpness, 0, drawn);
     }
-    const cv::Mat ink = inkOf(drawn, capital);
+    cv::Mat ink = inkOf(drawn, capital);
+    // A pattern that is darker than faint is taken off, and what is left stretched to full contrast.
+    const double half = 0.55 * capital;
+    const double pattern = std::clamp(
+        patternOf(ink, band.lines, top + half, top + height - half, capital) - kFaint, 0.0, kDarkestPattern);
+    ink = (ink - pattern) / (1 - pattern);
     QImage result(drawn.cols, drawn.rows, QImage::Format_Grayscale8);
     cv::Mat out(drawn.rows, drawn.cols, CV_8U, result.bits(), std::size_t(result.bytesPerLine()));
     ink.convertTo(out, CV_8U, -255, 255);
