@@ -47,8 +47,7 @@ float certaintyOf(const MrzLineReading& line, qsizetype at)
 
 void add(std::vector<Voice>& voices, QChar character, float certainty)
 {
-    auto voice
-        = std::find_if(voices.begin(), voices.end(), [&](const Voice& v) { return v.character == character; });
+    auto voice = std::find_if(voices.begin(), voices.end(), [&](const Voice& v) { return v.character == character; });
     if (voice == voices.end())
         voice = voices.insert(voices.end(), { character, 0, 0 });
     voice->weight += std::max(certainty, kLeast);
@@ -76,7 +75,8 @@ std::vector<MrzLineReading> consensusOf(const std::vector<std::vector<MrzLineRea
                 if (std::size_t(at) < own.alternatives.size())
                     others += own.alternatives[std::size_t(at)];
             }
-            std::stable_sort(voices.begin(), voices.end(), [](const Voice& a, const Voice& b) { return a.weight > b.weight; });
+            std::stable_sort(
+                voices.begin(), voices.end(), [](const Voice& a, const Voice& b) { return a.weight > b.weight; });
             const Voice& winner = voices.front();
             line.text += winner.character;
             line.certainties.push_back(std::min(winner.certainty, winner.weight / all));

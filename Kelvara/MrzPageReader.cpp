@@ -45,7 +45,8 @@ struct Attempt
         int checks = 0;
         if (result)
             checks = int(result->isDocumentNumberValid) + int(result->isBirthDateValid) + int(result->isExpiryDateValid)
-                + int(result->isPersonalNumberValid.value_or(false)) + int(result->isFinalCheckDigitValid.value_or(false));
+                + int(result->isPersonalNumberValid.value_or(false))
+                + int(result->isFinalCheckDigitValid.value_or(false));
         double certainty = 0;
         std::size_t count = 1;
         for (const MrzLineReading& line : text) {
@@ -97,8 +98,7 @@ MrzPageReading MrzPageReader::read(const QImage& picture)
         if (best && best->result)
             break; // A band was right, if not legible.
         std::vector<Lines> texts;
-        static const std::vector<Manner> mm = [] { std::vector<Manner> m(kManners.begin(), kManners.end()); if (qEnvironmentVariableIsSet("KV")) { m.clear(); for (auto& p : qEnvironmentVariable("KV").split(u';')) { auto f = p.split(u','); m.push_back({ { f[0].toDouble(), f[1].toInt() != 0, f[2].toDouble() }, f[3].toDouble() }); } } return m; }();
-        for (const Manner& manner : mm) {
+        for (const Manner& manner : kManners) {
             watch.milliseconds();
             const QImage drawn = drawMrzBand(picture, bands[b], manner.look);
             const auto prepared = preprocessImage(tonedForThreshold(drawn, manner.cut));

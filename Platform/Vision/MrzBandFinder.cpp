@@ -24,8 +24,8 @@ cv::Mat brightnessOf(const QImage& picture)
 {
     if (picture.isGrayscale()) {
         const QImage grey = picture.convertToFormat(QImage::Format_Grayscale8);
-        return cv::Mat(grey.height(), grey.width(), CV_8U, const_cast<uchar*>(grey.constBits()),
-            std::size_t(grey.bytesPerLine()))
+        return cv::Mat(
+            grey.height(), grey.width(), CV_8U, const_cast<uchar*>(grey.constBits()), std::size_t(grey.bytesPerLine()))
             .clone();
     }
     const QImage rgb = picture.convertToFormat(QImage::Format_RGB32);
@@ -116,6 +116,7 @@ std::optional<MrzBand> bandOf(const cv::Mat& strokes, const std::vector<TextRow>
         return std::nullopt;
     const TextRow& top = whole.front();
     const TextRow& bottom = whole.back();
+    band.capital = capitalOf(strokes, whole, pitch.pitch);
     const double half = 0.55 * pitch.pitch;
     const auto corner = [&](const TextRow& row, double x, double offset) {
         return QPointF(x - offset * slope / norm, row.y(x) + offset / norm);
@@ -135,6 +136,7 @@ void search(const Scaled& picture, std::vector<MrzBand>& bands)
             for (QPointF& corner : band->corners)
                 corner = (corner + QPointF(0.5, 0.5)) * picture.factor - QPointF(0.5, 0.5);
             band->pitch *= picture.factor;
+            band->capital *= picture.factor;
             bands.push_back(*band);
         }
     };

@@ -15,7 +15,8 @@ struct MrzBand
     std::array<QPointF, 4> corners;
     int lines = 0; ///< Two or three.
     int characters = 0; ///< In a line, as their pitch says: 30, 36 or 44.
-    double pitch = 0; ///< From one character to the next, in pixels; a capital is as high.
+    double pitch = 0; ///< From one character to the next, in pixels.
+    double capital = 0; ///< Their height, in pixels: about the pitch, unless seen from aslant.
     double evidence = 0; ///< Greater is likelier; for comparison within one picture.
 };
 

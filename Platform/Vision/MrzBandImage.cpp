@@ -16,6 +16,7 @@ constexpr double kMarginAlong = 1.6;
 
 constexpr double kPatternShare = 0.95; ///< What part of a pattern's pixels is to come below the faint.
 constexpr double kFaint = 0.2; ///< Shares of ink so small do no harm.
+constexpr double kSquat = 0.87; ///< A capital over the pitch; digits are a tenth higher.
 constexpr double kDarkestPattern = 0.6;
 
 /// The part of the picture that the band lies in, as one channel.
@@ -24,8 +25,8 @@ cv::Mat channelOf(const QImage& picture, const QRect& part, bool brightest)
     const QImage cut = picture.copy(part);
     if (!brightest || picture.isGrayscale()) {
         const QImage grey = cut.convertToFormat(QImage::Format_Grayscale8);
-        return cv::Mat(grey.height(), grey.width(), CV_8U, const_cast<uchar*>(grey.constBits()),
-            std::size_t(grey.bytesPerLine()))
+        return cv::Mat(
+            grey.height(), grey.width(), CV_8U, const_cast<uchar*>(grey.constBits()), std::size_t(grey.bytesPerLine()))
             .clone();
     }
     const QImage rgb = cut.convertToFormat(QImage::Format_RGB32);
@@ -46,8 +47,8 @@ cv::Mat block(double width, double height)
 cv::Mat inkOf(const cv::Mat& band, double capital)
 {
     cv::Mat paper;
-    cv::morphologyEx(band, paper, cv::MORPH_CLOSE, block(1.1 * capital, 1.1 * capital), { -1, -1 }, 1,
-        cv::BORDER_REPLICATE);
+    cv::morphologyEx(
+        band, paper, cv::MORPH_CLOSE, block(1.1 * capital, 1.1 * capital), { -1, -1 }, 1, cv::BORDER_REPLICATE);
     cv::blur(paper, paper, { int(1.5 * capital), int(capital) }, { -1, -1 }, cv::BORDER_REPLICATE);
     cv::Mat ink;
     cv::subtract(paper, band, ink);
@@ -113,7 +114,9 @@ QImage drawMrzBand(const QImage& picture, const MrzBand& band, const MrzBandLook
         return std::hypot(band.corners[a].x() - band.corners[b].x(), band.corners[a].y() - band.corners[b].y());
     };
     const double width = scale * (distance(0, 1) + distance(3, 2)) / 2;
-    const double height = scale * (distance(0, 3) + distance(1, 2)) / 2;
+    // Print that is seen from aslant is squat.
+    const double stretch = band.capital < kSquat * band.pitch ? band.pitch / band.capital : 1;
+    const double height = scale * stretch * (distance(0, 3) + distance(1, 2)) / 2;
     const double left = kMarginAlong * capital;
     const double top = kMarginAcross * capital;
     const std::array<cv::Point2f, 4> to { cv::Point2f(float(left), float(top)),
@@ -129,7 +132,7 @@ QImage drawMrzBand(const QImage& picture, const MrzBand& band, const MrzBandLook
     }
     cv::Mat ink = inkOf(drawn, capital);
     // A pattern that is darker than faint is taken off, and what is left stretched to full contrast.
-    const double half = 0.55 * capital;
+    const double half = 0.55 * capital * stretch;
     const double pattern = std::clamp(
         patternOf(ink, band.lines, top + half, top + height - half, capital) - kFaint, 0.0, kDarkestPattern);
     ink = (ink - pattern) / (1 - pattern);

@@ -16,6 +16,7 @@ constexpr int kLines = 12;
 constexpr int kPieces = 3; ///< Looked at one by one: perspective lets the pitch drift along a row.
 constexpr double kFewest = 28;
 constexpr double kMost = 60;
+constexpr double kDigit = 1.08; ///< Its height over a capital's.
 constexpr double kStep = 1.004;
 
 /// Where there is ink along the row, 0 to 1 for each column.
@@ -26,8 +27,8 @@ std::vector<double> presenceOf(const cv::Mat& strokes, const TextRow& row)
     const double dy = across / kLines;
     const cv::Matx23d map(dx, 0, row.left + dx / 2, row.slope * dx, dy, row.y(row.left) - across / 2 + dy / 2);
     cv::Mat strip;
-    cv::warpAffine(strokes, strip, map, { kColumns, kLines }, cv::INTER_LINEAR | cv::WARP_INVERSE_MAP,
-        cv::BORDER_REPLICATE);
+    cv::warpAffine(
+        strokes, strip, map, { kColumns, kLines }, cv::INTER_LINEAR | cv::WARP_INVERSE_MAP, cv::BORDER_REPLICATE);
     cv::Mat peak;
     cv::reduce(strip, peak, 0, cv::REDUCE_MAX);
     cv::Mat ceiling;
@@ -80,6 +81,43 @@ TextPitch pitchOf(const cv::Mat& strokes, const std::vector<TextRow>& rows)
             best = { length / count, rhythm };
     }
     return best;
+}
+
+double capitalOf(const cv::Mat& strokes, const std::vector<TextRow>& rows, double pitch)
+{
+    constexpr int across = 30; // samples of 1/20 pitch
+    constexpr int along = 8; // samples of a character
+    std::vector<double> heights;
+    for (const TextRow& row : rows) {
+        const int characters = int(row.length() / pitch);
+        const double dx = pitch / along;
+        const double dy = pitch / 20;
+        const cv::Matx23d map(dx, -row.slope * dy, row.left, row.slope * dx, dy, row.y(row.left) - across / 2 * dy);
+        cv::Mat strip;
+        cv::warpAffine(strokes, strip, map, { characters * along, across }, cv::INTER_LINEAR | cv::WARP_INVERSE_MAP,
+            cv::BORDER_REPLICATE);
+        for (int c = 0; c < characters; ++c) {
+            cv::Mat peak;
+            cv::reduce(strip.colRange(c * along, (c + 1) * along), peak, 1, cv::REDUCE_MAX);
+            double most = 0;
+            cv::minMaxLoc(peak, nullptr, &most);
+            int first = across;
+            int last = 0;
+            for (int y = 0; y < across; ++y) {
+                if (peak.at<uchar>(y) > 0.5 * most) {
+                    first = std::min(first, y);
+                    last = y;
+                }
+            }
+            heights.push_back((last - first + 1) / 20.0);
+        }
+    }
+    if (heights.empty())
+        return pitch;
+    // Fillers are lower, and often the most.
+    const auto high = heights.begin() + std::ptrdiff_t(double(heights.size()) * 0.85);
+    std::nth_element(heights.begin(), high, heights.end());
+    return pitch * std::clamp(*high / kDigit, 0.6, 1.2);
 }
 
 } // namespace kelvara

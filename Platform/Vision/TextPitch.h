@@ -14,4 +14,7 @@ struct TextPitch
 /// The pitch that 28 to 60 characters in the rows' length would have and that fits the strokes best.
 [[nodiscard]] TextPitch pitchOf(const cv::Mat& strokes, const std::vector<TextRow>& rows);
 
+/// How high capitals are, from 0.6 to 1.2 pitches.
+[[nodiscard]] double capitalOf(const cv::Mat& strokes, const std::vector<TextRow>& rows, double pitch);
+
 } // namespace kelvara

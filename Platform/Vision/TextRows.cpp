@@ -125,8 +125,7 @@ std::vector<TextRow> findTextRows(const cv::Mat& strokes)
     std::vector<TextRow> rows;
     for (int label = 1; label < count; ++label) {
         const int* at = stats.ptr<int>(label);
-        const cv::Rect box(
-            at[cv::CC_STAT_LEFT], at[cv::CC_STAT_TOP], at[cv::CC_STAT_WIDTH], at[cv::CC_STAT_HEIGHT]);
+        const cv::Rect box(at[cv::CC_STAT_LEFT], at[cv::CC_STAT_TOP], at[cv::CC_STAT_WIDTH], at[cv::CC_STAT_HEIGHT]);
         const double thickness = at[cv::CC_STAT_AREA] / double(box.width);
         if (box.width < kLeastShare * strokes.cols || box.width < 3 * thickness || thickness < 3)
             continue;
@@ -138,9 +137,8 @@ std::vector<TextRow> findTextRows(const cv::Mat& strokes)
     }
     join(rows);
     std::erase_if(rows, [](const TextRow& row) { return row.length() < 14 * row.thickness; });
-    std::sort(rows.begin(), rows.end(), [](const TextRow& a, const TextRow& b) {
-        return a.y((a.left + a.right) / 2) < b.y((b.left + b.right) / 2);
-    });
+    std::sort(rows.begin(), rows.end(),
+        [](const TextRow& a, const TextRow& b) { return a.y((a.left + a.right) / 2) < b.y((b.left + b.right) / 2); });
     return rows;
 }
 

@@ -5,9 +5,9 @@
 #include "Kelvara/OcrbModel.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QGuiApplication>
 #include <QImageReader>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -40,10 +40,10 @@ QStringList truthOf(const QJsonObject& entry)
 void tell(const QString& file, const QStringList& truth, const MrzPageReading& reading)
 {
     std::printf("%s: %s, %d attempts\n", qPrintable(file),
-        !reading.band            ? "no band"
-            : !reading.result    ? "no zone"
+        !reading.band                             ? "no band"
+            : !reading.result                     ? "no zone"
             : reading.result->allCheckDigitsValid ? "vouched for"
-                                 : "not vouched for",
+                                                  : "not vouched for",
         reading.attempts);
     const QStringList& lines = reading.lines;
     for (qsizetype l = 0; l < std::max(truth.size(), lines.size()); ++l) {
@@ -67,7 +67,7 @@ void tell(const QString& file, const QStringList& truth, const MrzPageReading& r
 
 int main(int argc, char** argv)
 {
-    QGuiApplication application(argc, argv);
+    QCoreApplication application(argc, argv);
     QCommandLineParser options;
     options.setApplicationDescription(QStringLiteral(
         "Reads the machine-readable zones of a folder's pictures and compares them with its ground_truth.json, which "
@@ -118,9 +118,8 @@ int main(int argc, char** argv)
         return 2;
     }
     std::sort(tally.milliseconds.begin(), tally.milliseconds.end());
-    const auto at = [&](double share) {
-        return tally.milliseconds[std::size_t(share * double(tally.milliseconds.size() - 1))];
-    };
+    const auto at
+        = [&](double share) { return tally.milliseconds[std::size_t(share * double(tally.milliseconds.size() - 1))]; };
     std::printf("%d pictures: %d read whole, %d vouched for, %d of these misread; median %.0f ms, p95 %.0f ms\n",
         tally.pictures, tally.whole, tally.vouched, tally.misread, at(0.5), at(0.95));
     return 0;

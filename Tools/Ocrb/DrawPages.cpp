@@ -27,8 +27,8 @@ int main(int argc, char** argv)
         { QStringLiteral("seed"), QStringLiteral("First seed."), QStringLiteral("number"), QStringLiteral("1") });
     options.addOption(
         { QStringLiteral("count"), QStringLiteral("How many."), QStringLiteral("number"), QStringLiteral("60") });
-    options.addOption({ QStringLiteral("widest"), QStringLiteral("Greatest width in pixels."),
-        QStringLiteral("number"), QStringLiteral("1600") });
+    options.addOption({ QStringLiteral("widest"), QStringLiteral("Greatest width in pixels."), QStringLiteral("number"),
+        QStringLiteral("1600") });
     options.addOption({ QStringLiteral("poor"), QStringLiteral("Badly printed and badly scanned.") });
     options.addPositionalArgument(QStringLiteral("FOLDER"), QStringLiteral("Where to."));
     options.process(application);

@@ -86,11 +86,12 @@ void paintUpperPart(QPainter& painter, const SpecimenFonts& fonts, const Paper& 
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(120, 90, 80));
     painter.drawEllipse(QRectF(5 + paper.width * 0.06, 17, paper.width * 0.12, std::min(below - 20, 18.0)));
-    paintText(painter, fonts, SpecimenFonts::Face::SansBold, QStringLiteral("REPUBLIC OF UTOPIA · PASSPORT"),
-        { 6, 9 }, 3.2, QColor(30, 40, 90));
-    const QStringList words { QStringLiteral("Surname / Nom"), QStringLiteral("ERIKSSON"), QStringLiteral("Date of birth"),
-        QStringLiteral("12 AUG/AOUT 74"), QStringLiteral("Nationality / Nationalité"), QStringLiteral("UTOPIAN"),
-        QStringLiteral("Place of birth / Lieu de naissance"), QStringLiteral("ZENITH, NORTHERN PROVINCE") };
+    paintText(painter, fonts, SpecimenFonts::Face::SansBold, QStringLiteral("REPUBLIC OF UTOPIA · PASSPORT"), { 6, 9 },
+        3.2, QColor(30, 40, 90));
+    const QStringList words { QStringLiteral("Surname / Nom"), QStringLiteral("ERIKSSON"),
+        QStringLiteral("Date of birth"), QStringLiteral("12 AUG/AOUT 74"), QStringLiteral("Nationality / Nationalité"),
+        QStringLiteral("UTOPIAN"), QStringLiteral("Place of birth / Lieu de naissance"),
+        QStringLiteral("ZENITH, NORTHERN PROVINCE") };
     double y = 14;
     for (int i = 0; y < below; ++i) {
         const bool caption = i % 2 == 0;
@@ -115,8 +116,7 @@ void paintZone(QPainter& painter, const SpecimenFonts& fonts, const QStringList&
             place.translate(paper.left + paper.pitch * double(c) + dice.normal(0.02),
                 paper.level + paper.apart * double(l) + dice.normal(0.02));
             place.scale(widen, heighten);
-            const QPainterPath glyph
-                = place.map(fonts.outline(SpecimenFonts::Face::Ocr, lines[l].mid(c, 1), 2.54));
+            const QPainterPath glyph = place.map(fonts.outline(SpecimenFonts::Face::Ocr, lines[l].mid(c, 1), 2.54));
             painter.fillPath(glyph, ink);
             if (weight > 0)
                 painter.strokePath(glyph, QPen(ink, weight));
@@ -156,7 +156,8 @@ std::optional<Page> paintPage(const QStringList& lines, const PageOptions& optio
     // Printed larger than it is scanned, as a scanner's cells average.
     const double finer = std::max(1.0, std::min(4.0, 2400.0 / options.width));
     QImage large(QSize(int(options.width * finer), int(height * finer)), QImage::Format_RGB32);
-    large.fill(options.isOnTable ? QColor::fromHsv(int(dice.real(0, 359)), 90, int(dice.real(20, 160))) : QColor(Qt::white));
+    large.fill(
+        options.isOnTable ? QColor::fromHsv(int(dice.real(0, 359)), 90, int(dice.real(20, 160))) : QColor(Qt::white));
     QTransform toPicture;
     toPicture.translate(options.width / 2.0, height / 2.0);
     toPicture.rotate(options.degrees);
@@ -174,7 +175,8 @@ std::optional<Page> paintPage(const QStringList& lines, const PageOptions& optio
     painter.setClipPath(sheet);
     paintGuilloche(painter, paper, options.isPoor, dice);
     if (dice.unit() < 0.5) // Many documents keep the zone free of it, or nearly so.
-        painter.fillRect(QRectF(0, paper.level - 5, paper.width, paper.height), QColor(255, 255, 255, int(dice.real(100, 250))));
+        painter.fillRect(
+            QRectF(0, paper.level - 5, paper.width, paper.height), QColor(255, 255, 255, int(dice.real(100, 250))));
     paintUpperPart(painter, *fonts, paper, dice);
     paintZone(painter, *fonts, lines, paper, options.isPoor, dice);
     painter.end();

@@ -23,7 +23,8 @@ struct PageOptions
 
 /// Options as scans and photographs have them: widths of 260 (passports 520) to `widest`, turns within 3°, blur up to
 /// 0.7 pixels; poor ones turns within 5° and blur up to 1 pixel.
-[[nodiscard]] PageOptions pageOptions(const QStringList& lines, std::uint32_t seed, int widest = 1600, bool isPoor = false);
+[[nodiscard]] PageOptions pageOptions(
+    const QStringList& lines, std::uint32_t seed, int widest = 1600, bool isPoor = false);
 
 struct Page
 {
