@@ -26,9 +26,8 @@ Finding CardLook::at(const QImage& picture)
         .minimumSize = kMinimumSize,
         .maximumObservations = 1 };
     const std::shared_ptr<VNRequest> shared = request;
-    const auto unusable
-        = VNImageRequestHandler(picture, CGImagePropertyOrientation::Up, {}, VisionDetectors::native())
-              .perform({ &shared, 1 });
+    const auto unusable = VNImageRequestHandler(picture, CGImagePropertyOrientation::Up, {}, VisionDetectors::native())
+                              .perform({ &shared, 1 });
     Finding finding;
     finding.milliseconds.insert(QStringLiteral("search"), rounded(double(timer.nsecsElapsed()) / 1e6));
     const auto* found = request->resultsAs<VNRectangleObservation>();

@@ -14,9 +14,8 @@ Finding FaceLook::at(const QImage& picture)
     timer.start();
     const auto request = std::make_shared<VNDetectFaceRectanglesRequest>();
     const std::shared_ptr<VNRequest> shared = request;
-    const auto unusable
-        = VNImageRequestHandler(picture, CGImagePropertyOrientation::Up, {}, VisionDetectors::native())
-              .perform({ &shared, 1 });
+    const auto unusable = VNImageRequestHandler(picture, CGImagePropertyOrientation::Up, {}, VisionDetectors::native())
+                              .perform({ &shared, 1 });
     Finding finding;
     finding.milliseconds.insert(QStringLiteral("search"), rounded(double(timer.nsecsElapsed()) / 1e6));
     const auto* found = request->resultsAs<VNFaceObservation>();
@@ -35,8 +34,7 @@ Finding FaceLook::at(const QImage& picture)
         entry.insert(QStringLiteral("height"), size[QLatin1String("y")]);
         entry.insert(QStringLiteral("confidence"), double(face.confidence));
         faces << entry;
-        finding.outlines.push_back(
-            QPolygonF({ box.topLeft(), box.topRight(), box.bottomRight(), box.bottomLeft() }));
+        finding.outlines.push_back(QPolygonF({ box.topLeft(), box.topRight(), box.bottomRight(), box.bottomLeft() }));
     }
     finding.facts.insert(QStringLiteral("faces"), faces);
     finding.found = !faces.isEmpty();

@@ -6,6 +6,7 @@
 #include <QPolygonF>
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 namespace kelvara::cli {
@@ -18,7 +19,7 @@ struct Finding
     QJsonObject facts; ///< What else there is to tell.
     QJsonObject milliseconds; ///< By stage.
     std::vector<QPolygonF> outlines; ///< In pixels, origin top-left, for drawing.
-    bool isBroken = false; ///< The program itself cannot look: it is no use to try other files.
+    bool isBroken = false; ///< Looking itself failed.
 };
 
 /// One of the program's ways to look at pictures.
@@ -26,6 +27,8 @@ class Look
 {
 public:
     virtual ~Look() = default;
+    /// Why no picture can be looked at, as a sentence; absent when all is well.
+    [[nodiscard]] virtual std::optional<QString> problem() { return std::nullopt; }
     /// `picture` is upright, `Format_RGB32`.
     [[nodiscard]] virtual Finding at(const QImage& picture) = 0;
 };

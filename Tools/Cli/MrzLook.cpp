@@ -76,8 +76,8 @@ void insertResult(QJsonObject& facts, const QKMRZResult& result)
     facts.insert(QStringLiteral("personalNumber"), result.personalNumber);
     facts.insert(QStringLiteral("personalNumber2"), jsonOf(result.personalNumber2));
     facts.insert(QStringLiteral("checkDigits"),
-        QJsonObject {
-            { QStringLiteral("documentNumber"), checkOf(result.documentNumberCheckDigit, result.isDocumentNumberValid) },
+        QJsonObject { { QStringLiteral("documentNumber"),
+                          checkOf(result.documentNumberCheckDigit, result.isDocumentNumberValid) },
             { QStringLiteral("birthDate"), checkOf(result.birthDateCheckDigit, result.isBirthDateValid) },
             { QStringLiteral("expiryDate"), checkOf(result.expiryDateCheckDigit, result.isExpiryDateValid) },
             { QStringLiteral("personalNumber"),
@@ -99,6 +99,15 @@ MrzLook::MrzLook(const QString& modelFolder)
       m_reader(m_engine, m_parser)
 {
     FilterVendor::registerFilters();
+}
+
+std::optional<QString> MrzLook::problem()
+{
+    QImage blank(1, 1, QImage::Format_RGB32);
+    blank.fill(Qt::white);
+    const TesseractResult result = m_engine.performOCR(blank);
+    const auto* error = std::get_if<TesseractError>(&result);
+    return error ? std::optional(error->sentence) : std::nullopt;
 }
 
 Finding MrzLook::at(const QImage& picture)
@@ -123,8 +132,7 @@ Finding MrzLook::at(const QImage& picture)
     finding.facts.insert(QStringLiteral("attempts"), reading.attempts);
     if (reading.error) {
         finding.reason = reading.error->sentence;
-        finding.isBroken = reading.error->kind == TesseractError::Kind::MissingModel
-            || reading.error->kind == TesseractError::Kind::UnusableModel;
+        finding.isBroken = true;
         return finding;
     }
     if (!reading.band) {

@@ -11,6 +11,8 @@ class MrzLook final : public Look
 public:
     /// The model is `modelFolder`'s "ocrb.traineddata".
     explicit MrzLook(const QString& modelFolder);
+    /// Loads the model.
+    [[nodiscard]] std::optional<QString> problem() override;
     [[nodiscard]] Finding at(const QImage& picture) override;
 
 private:

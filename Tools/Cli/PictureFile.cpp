@@ -36,6 +36,13 @@ bool isTooLarge(const QSize& size)
         || size.height() > kLongestSide;
 }
 
+Unreadable undecodable(QString why)
+{
+    while (why.endsWith(u'.'))
+        why.chop(1);
+    return { QStringLiteral("The picture cannot be decoded: %1.").arg(why) };
+}
+
 } // namespace
 
 std::variant<QImage, Unreadable> readPicture(const QString& path)
@@ -58,7 +65,7 @@ std::variant<QImage, Unreadable> readPicture(const QString& path)
     try {
         const QImage picture = reader.read();
         if (picture.isNull())
-            return Unreadable { QStringLiteral("The picture cannot be decoded: %1.").arg(reader.errorString()) };
+            return undecodable(reader.errorString());
         if (isTooLarge(picture.size()))
             return tooLarge(picture.size());
         const QImage upright = opaque(picture);

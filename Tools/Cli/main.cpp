@@ -67,6 +67,7 @@ ExitCode treat(const QString& file, const CliOptions& options, Look& look)
         object.insert(QStringLiteral("found"), false);
         object.insert(QStringLiteral("reason"), unreadable->sentence);
         complain(QStringLiteral("%1: %2").arg(file, unreadable->sentence));
+        milliseconds.insert(QStringLiteral("total"), rounded(load));
         code = Failed;
     } else {
         const QImage& upright = std::get<QImage>(picture);
@@ -112,6 +113,10 @@ int main(int argc, char** argv)
     }
     const auto& options = std::get<CliOptions>(parsed);
     const std::unique_ptr<Look> look = makeLook(options);
+    if (const auto problem = look->problem()) {
+        complain(*problem);
+        return Failed;
+    }
     ExitCode worst = AllFound;
     for (const QString& file : options.files)
         worst = std::max(worst, treat(file, options, *look));
