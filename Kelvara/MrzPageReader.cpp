@@ -18,6 +18,7 @@ namespace kelvara {
 namespace {
 
 constexpr std::size_t kMostBands = 3;
+constexpr float kCertainName = 0.6F;
 
 /// One way to draw a band and to make it black and white.
 struct Manner
@@ -75,6 +76,61 @@ private:
     QElapsedTimer m_timer;
 };
 
+bool saysTheSame(const QKMRZResult& a, const QKMRZResult& b)
+{
+    return a.documentNumber == b.documentNumber && a.birthDate == b.birthDate && a.expiryDate == b.expiryDate
+        && a.personalNumber == b.personalNumber && a.personalNumber2 == b.personalNumber2;
+}
+
+/// Whether all letters of the names, which no check digit protects, were read with some certainty.
+bool areNamesCertain(const Attempt& attempt)
+{
+    const QStringList& own = attempt.result->lines;
+    const QString& names = own.size() == 3 ? own.back() : own.front();
+    for (const MrzLineReading& line : attempt.text) {
+        if (line.text.left(8) != names.left(8) && line.text.right(12) != names.right(12))
+            continue;
+        for (std::size_t i = 0; i < line.certainties.size(); ++i) {
+            if (line.text[qsizetype(i)] != u'<' && line.certainties[i] < kCertainName)
+                return false;
+        }
+    }
+    return true;
+}
+
+/// All that is tried on one picture.
+class Attempts
+{
+public:
+    void consider(Attempt attempt, const MrzBand& band)
+    {
+        if (attempt.isValid()) {
+            m_isContested |= m_best && m_best->isValid() && !saysTheSame(*m_best->result, *attempt.result);
+            // What several agree upon comes last.
+            if (m_best && m_best->isValid()) {
+                m_best = std::move(attempt);
+                return;
+            }
+        }
+        if (m_best && m_best->merit() >= attempt.merit())
+            return;
+        m_best = std::move(attempt);
+        m_band = band;
+    }
+
+    [[nodiscard]] bool hasResult() const { return m_best && m_best->result; }
+    [[nodiscard]] bool isValid() const { return m_best && m_best->isValid(); }
+    [[nodiscard]] bool isCertain() const { return isValid() && areNamesCertain(*m_best); }
+    [[nodiscard]] const std::optional<Attempt>& best() const { return m_best; }
+    [[nodiscard]] const std::optional<MrzBand>& band() const { return m_band; }
+    [[nodiscard]] bool isContested() const { return m_isContested; }
+
+private:
+    std::optional<Attempt> m_best;
+    std::optional<MrzBand> m_band;
+    bool m_isContested = false;
+};
+
 } // namespace
 
 MrzPageReading MrzPageReader::read(const QImage& picture)
@@ -83,19 +139,13 @@ MrzPageReading MrzPageReader::read(const QImage& picture)
     Stopwatch watch;
     const std::vector<MrzBand> bands = findMrzBands(picture);
     reading.stages.search = watch.milliseconds();
-    std::optional<Attempt> best;
-    const auto consider = [&](Attempt attempt, const MrzBand& band) {
-        if (best && best->merit() >= attempt.merit())
-            return;
-        best = std::move(attempt);
-        reading.band = band;
-    };
+    Attempts attempts;
     const auto parsed = [&](const Lines& text) {
         const auto lines = mrzLines(text);
         return lines ? m_parser.parse(*lines) : std::nullopt;
     };
     for (std::size_t b = 0; b < std::min(bands.size(), kMostBands); ++b) {
-        if (best && best->result)
+        if (attempts.hasResult())
             break; // A band was right, if not legible.
         std::vector<Lines> texts;
         for (const Manner& manner : kManners) {
@@ -118,34 +168,38 @@ MrzPageReading MrzPageReader::read(const QImage& picture)
             // One drawing of small print cannot be trusted with O and 0; several that agree can.
             doubtZeros(attempt.text, bands[b].pitch);
             attempt.result = parsed(attempt.text);
-            consider(std::move(attempt), bands[b]);
-            if (texts.size() > 1 && !best->isValid()) {
+            attempts.consider(std::move(attempt), bands[b]);
+            if (texts.size() > 1) {
                 Attempt together;
                 together.text = consensusOf(texts);
                 together.result = parsed(together.text);
-                consider(std::move(together), bands[b]);
+                attempts.consider(std::move(together), bands[b]);
             }
             reading.stages.parse += watch.milliseconds();
-            if (best->isValid() || (texts.size() == 2 && !best->result))
+            const bool isSecond = texts.size() == 2;
+            if (attempts.isCertain() || (isSecond && (attempts.isValid() || !attempts.hasResult())))
                 break;
         }
     }
-    if (best && !best->isValid()) {
+    reading.band = attempts.band() ? attempts.band() : bands.empty() ? std::nullopt : std::optional(bands.front());
+    if (!attempts.best())
+        return reading;
+    Attempt best = *attempts.best();
+    reading.text = best.text;
+    if (!best.isValid()) {
         watch.milliseconds();
         Attempt guess;
-        guess.text = withZerosPreferred(best->text);
+        guess.text = withZerosPreferred(best.text);
         guess.result = parsed(guess.text);
-        if (guess.merit() >= best->merit())
+        if (guess.merit() >= best.merit())
             best = std::move(guess);
         reading.stages.parse += watch.milliseconds();
     }
-    if (best && best->result)
-        reading.lines = printedLines(*best->result, best->text);
-    if (best) {
-        reading.text = std::move(best->text);
-        reading.result = std::move(best->result);
-    } else if (!bands.empty())
-        reading.band = bands.front();
+    if (best.result) {
+        best.result->allCheckDigitsValid &= !attempts.isContested();
+        reading.lines = printedLines(*best.result, best.text);
+    }
+    reading.result = std::move(best.result);
     return reading;
 }
 

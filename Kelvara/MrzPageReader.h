@@ -24,7 +24,7 @@ struct MrzPageReading
     };
 
     std::optional<MrzBand> band; ///< Absent when nothing looks like a zone.
-    std::vector<MrzLineReading> text; ///< The band's lines as the OCR gave them.
+    std::vector<MrzLineReading> text; ///< The band's lines as the OCR gave them; what several readings agree upon.
     QStringList lines; ///< The document's own lines as they seem to be printed; see `printedLines`.
     std::optional<QKMRZResult> result; ///< Absent when the lines are none of a zone.
     std::optional<TesseractError> error; ///< Why the OCR could not read at all.

@@ -37,13 +37,27 @@ std::optional<std::size_t> firstLine(const QKMRZResult& result, const std::vecto
     return std::nullopt;
 }
 
-bool isInCode(const QKMRZResult& result, const MrzMark& mark)
+/// A part of the zone that has letters and is protected by nothing.
+struct Code
 {
-    if (mark.line == 0)
-        return mark.column < 2 || (mark.column < 5 && !isMrzState(result.lines[0].mid(2, 3)));
-    const int nationality = result.format == MrzDocumentFormat::TD1 ? 15 : 10;
-    return mark.line == 1 && mark.column >= nationality && mark.column < nationality + 3
-        && !isMrzState(result.lines[1].mid(nationality, 3));
+    int line;
+    int column;
+    int length;
+
+    [[nodiscard]] bool has(const MrzMark& mark) const
+    {
+        return mark.line == line && mark.column >= column && mark.column < column + length;
+    }
+};
+
+std::vector<Code> codesOf(const QKMRZResult& result)
+{
+    std::vector<Code> codes { { 0, 0, 2 } };
+    for (const Code& state : { Code { 0, 2, 3 }, Code { 1, result.format == MrzDocumentFormat::TD1 ? 15 : 10, 3 } }) {
+        if (!isMrzState(result.lines[state.line].mid(state.column, state.length)))
+            codes.push_back(state);
+    }
+    return codes;
 }
 
 } // namespace
@@ -82,14 +96,19 @@ QStringList printedLines(const QKMRZResult& result, const std::vector<MrzLineRea
 {
     QStringList printed = result.lines;
     const auto first = firstLine(result, lines);
-    for (const MrzMark& mark : result.marks) {
-        if (!first || mark.kind != MrzMark::Kind::CorrectedByGrammar || !mark.read.isDigit() || isZeroOrO(mark.read)
-            || !isInCode(result, mark))
-            continue;
-        const MrzLineReading& line = lines[*first + std::size_t(mark.line)];
-        const auto at = std::size_t(mark.column);
-        if (at < line.certainties.size() && line.certainties[at] >= kCertain)
-            printed[mark.line][mark.column] = mark.read;
+    if (!first)
+        return printed;
+    for (const Code& code : codesOf(result)) {
+        const MrzLineReading& line = lines[*first + std::size_t(code.line)];
+        const QString read = line.text.mid(code.column, code.length);
+        bool isPrinted = false;
+        for (qsizetype i = 0; i < read.size(); ++i) {
+            const auto at = std::size_t(code.column + i);
+            isPrinted |= read[i].isDigit() && !isZeroOrO(read[i]) && at < line.certainties.size()
+                && line.certainties[at] >= kCertain;
+        }
+        if (isPrinted)
+            printed[code.line].replace(code.column, code.length, read);
     }
     return printed;
 }

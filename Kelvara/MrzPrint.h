@@ -17,8 +17,8 @@ void doubtZeros(std::vector<MrzLineReading>& lines, double capital);
 /// guess; the doubt stays.
 [[nodiscard]] std::vector<MrzLineReading> withZerosPreferred(const std::vector<MrzLineReading>& lines);
 
-/// What is printed on the document as far as it can be told: the result's lines, but where grammar asks for a letter in
-/// the document code or in a state's code that then is none, and the OCR is certain of a digit, the digit. There are
+/// What is printed on the document as far as it can be told: the result's lines, but where grammar asks for letters in
+/// the document code or in a state's code that then is none, and the OCR is certain of a digit, what it read. There are
 /// documents that are printed so.
 [[nodiscard]] QStringList printedLines(const QKMRZResult& result, const std::vector<MrzLineReading>& lines);
 

@@ -169,8 +169,10 @@ TEST_F(Cli, TellsForEachFileWhatIsWrongWithIt)
     buffer.open(QIODevice::WriteOnly);
     specimen::photograph(specimen::SpecimenData::fromSeed(1), {}).image.save(&buffer, "PNG");
     const QByteArray cmyk = QByteArray::fromBase64(
-        "/9j/7gAOQWRvYmUAZAAAAAAA/9sAQwAQCwwODAoQDg0OEhEQExgoGhgWFhgxIyUdKDozPTw5Mzg3QEhcTkBEV0U3OFBtUVdfYmdoZz5NcXlwZHhc"
-        "ZWdj/8AAFAgAEAAQBEMRAE0RAFkRAEsRAP/EABYAAQEBAAAAAAAAAAAAAAAAAAADBv/EABQQAQAAAAAAAAAAAAAAAAAAAAD/2gAOBEMATQBZAEsA"
+        "/9j/7gAOQWRvYmUAZAAAAAAA/"
+        "9sAQwAQCwwODAoQDg0OEhEQExgoGhgWFhgxIyUdKDozPTw5Mzg3QEhcTkBEV0U3OFBtUVdfYmdoZz5NcXlwZHhc"
+        "ZWdj/8AAFAgAEAAQBEMRAE0RAFkRAEsRAP/EABYAAQEBAAAAAAAAAAAAAAAAAAADBv/EABQQAQAAAAAAAAAAAAAAAAAAAAD/"
+        "2gAOBEMATQBZAEsA"
         "AD8Ammm0gAAAD//Z");
     struct Row
     {

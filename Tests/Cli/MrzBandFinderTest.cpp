@@ -86,8 +86,8 @@ TEST(MrzBandFinder, SeesAslantPrintAsSquatAndDrawsItAsHighAsWide)
     const QStringList lines = bandText(BandFormat::TD3, 31);
     const auto page = paintPage(lines, { .seed = 31, .width = 1400 });
     ASSERT_TRUE(page);
-    const QImage squat = page->picture.scaled(1400, int(page->picture.height() * 0.7), Qt::IgnoreAspectRatio,
-        Qt::SmoothTransformation);
+    const QImage squat = page->picture.scaled(
+        1400, int(page->picture.height() * 0.7), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     const auto bands = findMrzBands(squat);
     ASSERT_FALSE(bands.empty());
     EXPECT_NEAR(bands.front().capital / bands.front().pitch, 0.7, 0.08);

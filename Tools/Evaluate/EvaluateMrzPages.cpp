@@ -26,6 +26,7 @@ struct Tally
     int whole = 0; ///< Every line exactly right.
     int vouched = 0;
     int misread = 0; ///< Vouched for, and a line wrong.
+    int attempts = 0;
     std::vector<double> milliseconds;
 };
 
@@ -107,6 +108,7 @@ int main(int argc, char** argv)
         const bool isWhole = !truth.isEmpty() && reading.lines == truth;
         const bool isVouched = reading.result && reading.result->allCheckDigitsValid;
         ++tally.pictures;
+        tally.attempts += reading.attempts;
         tally.whole += isWhole ? 1 : 0;
         tally.vouched += isVouched ? 1 : 0;
         tally.misread += isVouched && !isWhole ? 1 : 0;
@@ -120,7 +122,10 @@ int main(int argc, char** argv)
     std::sort(tally.milliseconds.begin(), tally.milliseconds.end());
     const auto at
         = [&](double share) { return tally.milliseconds[std::size_t(share * double(tally.milliseconds.size() - 1))]; };
-    std::printf("%d pictures: %d read whole, %d vouched for, %d of these misread; median %.0f ms, p95 %.0f ms\n",
-        tally.pictures, tally.whole, tally.vouched, tally.misread, at(0.5), at(0.95));
+    std::printf(
+        "%d pictures: %d read whole, %d vouched for, %d of these misread; %.2f attempts, median %.0f ms, p95 %.0f "
+        "ms\n",
+        tally.pictures, tally.whole, tally.vouched, tally.misread, double(tally.attempts) / tally.pictures, at(0.5),
+        at(0.95));
     return 0;
 }
