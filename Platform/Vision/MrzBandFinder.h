@@ -21,7 +21,7 @@ struct MrzBand
 };
 
 /// Looks for two or three dense lines of evenly pitched characters, one below the other and equally long, dark on
-/// light, turned by up to 8° from upright. The picture may show a whole document and what lies around it; capitals
+/// light, turned by up to 10° from upright. The picture may show a whole document and what lies around it; capitals
 /// must be about 5 pixels high or more. Likeliest first, at most a handful; empty when there is nothing like it. Any
 /// thread.
 [[nodiscard]] std::vector<MrzBand> findMrzBands(const QImage& picture);

@@ -17,7 +17,7 @@ constexpr double kFaintest = 9; ///< Grey levels by which a stroke must stand ou
 constexpr int kGap = 19; ///< Wider than what lies between neighbouring glyphs.
 constexpr int kRun = 31; ///< A row has no shorter pieces.
 constexpr double kLeastShare = 0.12; ///< Of the picture's width that a piece of a row takes.
-constexpr double kSteepest = 0.15;
+constexpr double kSteepest = 0.18;
 
 cv::Mat block(int width, int height)
 {
