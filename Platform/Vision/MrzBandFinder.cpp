@@ -17,12 +17,14 @@ constexpr int kLargest = 1000; ///< Longer side of what is searched, in pixels.
 constexpr int kCoarse = 450; ///< The same for large print.
 constexpr int kSmallest = 500; ///< Pictures below are enlarged to twice their size.
 constexpr std::size_t kMostBands = 4;
+constexpr std::size_t kMostRows = 40;
+constexpr double kLeastOwnRhythm = 0.05; ///< Of a single row, whose ends may be wrong.
 constexpr double kLeastRhythm = 0.07; ///< Of lines that are evenly pitched; other print stays below.
 
 /// The brightest of each pixel's colours: black print stays black, coloured patterns come near paper.
 cv::Mat brightnessOf(const QImage& picture)
 {
-    if (picture.isGrayscale()) {
+    if (picture.format() == QImage::Format_Grayscale8) {
         const QImage grey = picture.convertToFormat(QImage::Format_Grayscale8);
         return cv::Mat(
             grey.height(), grey.width(), CV_8U, const_cast<uchar*>(grey.constBits()), std::size_t(grey.bytesPerLine()))
@@ -130,7 +132,11 @@ std::optional<MrzBand> bandOf(const cv::Mat& strokes, const std::vector<TextRow>
 void search(const Scaled& picture, std::vector<MrzBand>& bands)
 {
     const cv::Mat strokes = strokesOf(picture.brightness);
-    const std::vector<TextRow> rows = findTextRows(strokes);
+    std::vector<TextRow> rows = findTextRows(strokes);
+    // A page of print has many rows, and all pairs of them take long.
+    std::erase_if(rows, [&](const TextRow& row) { return pitchOf(strokes, { row }).rhythm < kLeastOwnRhythm; });
+    if (rows.size() > kMostRows)
+        return;
     const auto add = [&](const std::vector<TextRow>& group) {
         if (auto band = bandOf(strokes, group)) {
             for (QPointF& corner : band->corners)

@@ -23,7 +23,7 @@ constexpr double kDarkestPattern = 0.6;
 cv::Mat channelOf(const QImage& picture, const QRect& part, bool brightest)
 {
     const QImage cut = picture.copy(part);
-    if (!brightest || picture.isGrayscale()) {
+    if (!brightest || picture.format() == QImage::Format_Grayscale8) {
         const QImage grey = cut.convertToFormat(QImage::Format_Grayscale8);
         return cv::Mat(
             grey.height(), grey.width(), CV_8U, const_cast<uchar*>(grey.constBits()), std::size_t(grey.bytesPerLine()))
