@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace kelvara {
 
@@ -17,7 +18,7 @@ constexpr int kLargest = 1000; ///< Longer side of what is searched, in pixels.
 constexpr int kCoarse = 450; ///< The same for large print.
 constexpr int kSmallest = 500; ///< Pictures below are enlarged to twice their size.
 constexpr std::size_t kMostBands = 4;
-constexpr std::size_t kMostRows = 40;
+constexpr std::size_t kMostRows = 30;
 constexpr double kLeastOwnRhythm = 0.05; ///< Of a single row, whose ends may be wrong.
 constexpr double kLeastRhythm = 0.07; ///< Of lines that are evenly pitched; other print stays below.
 
@@ -129,14 +130,26 @@ std::optional<MrzBand> bandOf(const cv::Mat& strokes, const std::vector<TextRow>
     return band;
 }
 
+/// The rows that may be lines of a zone by themselves. A page of print has many, and all pairs of them take long.
+std::vector<TextRow> rhythmicRowsOf(const cv::Mat& strokes)
+{
+    std::vector<std::pair<double, TextRow>> ranked;
+    for (const TextRow& row : findTextRows(strokes)) {
+        const double rhythm = pitchOf(strokes, { row }).rhythm;
+        if (rhythm > kLeastOwnRhythm)
+            ranked.emplace_back(rhythm, row);
+    }
+    std::stable_sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::vector<TextRow> rows;
+    for (std::size_t i = 0; i < std::min(ranked.size(), kMostRows); ++i)
+        rows.push_back(ranked[i].second);
+    return rows;
+}
+
 void search(const Scaled& picture, std::vector<MrzBand>& bands)
 {
     const cv::Mat strokes = strokesOf(picture.brightness);
-    std::vector<TextRow> rows = findTextRows(strokes);
-    // A page of print has many rows, and all pairs of them take long.
-    std::erase_if(rows, [&](const TextRow& row) { return pitchOf(strokes, { row }).rhythm < kLeastOwnRhythm; });
-    if (rows.size() > kMostRows)
-        return;
+    const std::vector<TextRow> rows = rhythmicRowsOf(strokes);
     const auto add = [&](const std::vector<TextRow>& group) {
         if (auto band = bandOf(strokes, group)) {
             for (QPointF& corner : band->corners)

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <optional>
 
 namespace kelvara {
@@ -135,7 +136,14 @@ std::vector<TextRow> findTextRows(const cv::Mat& strokes)
         if (row && std::abs(row->slope) <= kSteepest)
             rows.push_back(*row);
     }
-    join(rows);
+    // What lies beside a document may be in line with its rows: they may or may not be one.
+    std::vector<TextRow> joined = rows;
+    join(joined);
+    std::copy_if(joined.begin(), joined.end(), std::back_inserter(rows), [&](const TextRow& row) {
+        return std::none_of(rows.begin(), rows.end(), [&](const TextRow& piece) {
+            return piece.left == row.left && piece.right == row.right && piece.level == row.level;
+        });
+    });
     std::erase_if(rows, [](const TextRow& row) { return row.length() < 14 * row.thickness; });
     std::sort(rows.begin(), rows.end(),
         [](const TextRow& a, const TextRow& b) { return a.y((a.left + a.right) / 2) < b.y((b.left + b.right) / 2); });

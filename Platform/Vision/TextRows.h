@@ -22,7 +22,8 @@ struct TextRow
 /// What is dark and narrow in a picture, such as strokes of print (CV_8U, brighter for darker strokes).
 [[nodiscard]] cv::Mat strokesOf(const cv::Mat& brightness);
 
-/// The long rows in an image of strokes, from top to bottom; capitals of about 6 to 25 pixels.
+/// The long rows in an image of strokes, from top to bottom; capitals of about 6 to 25 pixels. What lies in one line
+/// with a gap between is told both as one row and as several.
 [[nodiscard]] std::vector<TextRow> findTextRows(const cv::Mat& strokes);
 
 } // namespace kelvara
