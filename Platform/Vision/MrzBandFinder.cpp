@@ -20,6 +20,9 @@ constexpr int kSmallest = 500; ///< Pictures below are enlarged to twice their s
 constexpr std::size_t kMostBands = 4;
 constexpr std::size_t kMostRows = 30;
 constexpr double kLeastOwnRhythm = 0.05; ///< Of a single row, whose ends may be wrong.
+constexpr double kGlyphGap = 0.35; ///< Between neighbouring glyphs, over the pitch.
+constexpr double kCountError = 0.7; ///< By how many characters a line's length may miss its document's.
+constexpr double kCountDoubt = 0.4; ///< How much each further one speaks against it.
 constexpr double kLeastRhythm = 0.07; ///< Of lines that are evenly pitched; other print stays below.
 
 /// The brightest of each pixel's colours: black print stays black, coloured patterns come near paper.
@@ -114,7 +117,8 @@ std::optional<MrzBand> bandOf(const cv::Mat& strokes, const std::vector<TextRow>
     MrzBand band;
     band.lines = int(rows.size());
     band.pitch = pitch.pitch;
-    band.characters = documentLength((right - left) / pitch.pitch + 0.35, band.lines);
+    const double characters = (right - left) / pitch.pitch + kGlyphGap;
+    band.characters = documentLength(characters, band.lines);
     if (band.characters == 0)
         return std::nullopt;
     const TextRow& top = whole.front();
@@ -126,7 +130,12 @@ std::optional<MrzBand> bandOf(const cv::Mat& strokes, const std::vector<TextRow>
     };
     band.corners = { corner(top, top.left, -half), corner(top, top.right, -half), corner(bottom, bottom.right, half),
         corner(bottom, bottom.left, half) };
-    band.evidence = pitch.rhythm * band.lines;
+    // Pieces of lines have a rhythm too, but not the number of characters, and do not begin and end together.
+    double covered = 0;
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        covered += std::min(1.0, rows[i].length() / whole[i].length()) / double(rows.size());
+    const double excess = std::max(0.0, std::abs(characters - band.characters) - kCountError);
+    band.evidence = pitch.rhythm * band.lines * covered / (1 + kCountDoubt * excess);
     return band;
 }
 
