@@ -9,6 +9,7 @@
 
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <array>
 #include <tuple>
 #include <utility>
@@ -80,6 +81,12 @@ bool saysTheSame(const QKMRZResult& a, const QKMRZResult& b)
 {
     return a.documentNumber == b.documentNumber && a.birthDate == b.birthDate && a.expiryDate == b.expiryDate
         && a.personalNumber == b.personalNumber && a.personalNumber2 == b.personalNumber2;
+}
+
+bool areAlike(const Lines& a, const Lines& b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+        [](const MrzLineReading& x, const MrzLineReading& y) { return x.text == y.text; });
 }
 
 /// Whether all letters of the names, which no check digit protects, were read with some certainty.
@@ -176,8 +183,10 @@ MrzPageReading MrzPageReader::read(const QImage& picture)
                 attempts.consider(std::move(together), bands[b]);
             }
             reading.stages.parse += watch.milliseconds();
-            const bool isSecond = texts.size() == 2;
-            if (attempts.isCertain() || (isSecond && (attempts.isValid() || !attempts.hasResult())))
+            if (attempts.isCertain())
+                break;
+            // A third drawing can only decide between two readings.
+            if (texts.size() == 2 && (attempts.isValid() || !attempts.hasResult() || areAlike(texts[0], texts[1])))
                 break;
         }
     }
