@@ -4,23 +4,23 @@
 
 #include <algorithm>
 #include <cmath>
-#include <complex>
 #include <numbers>
 
 namespace kelvara {
 
 namespace {
 
-constexpr int kColumns = 704; ///< That a row is sampled at.
-constexpr int kLines = 12;
-constexpr int kPieces = 3; ///< Looked at one by one: perspective lets the pitch drift along a row.
+constexpr int kPieces = 3; ///< Of a row, looked at one by one.
+constexpr int kPiece = 128; ///< Columns that a piece is sampled at.
+constexpr int kColumns = kPieces * kPiece;
+constexpr int kLines = 10;
 constexpr double kFewest = 28;
 constexpr double kMost = 60;
 constexpr double kDigit = 1.08; ///< Its height over a capital's.
 constexpr double kStep = 1.004;
 
-/// Where there is ink along the row, 0 to 1 for each column.
-std::vector<double> presenceOf(const cv::Mat& strokes, const TextRow& row)
+/// Where there is ink along the row, 0 to 1 for each column (CV_32F).
+cv::Mat presenceOf(const cv::Mat& strokes, const TextRow& row)
 {
     const double across = std::max(row.thickness, 6.0) * 0.9;
     const double dx = row.length() / kColumns;
@@ -32,53 +32,69 @@ std::vector<double> presenceOf(const cv::Mat& strokes, const TextRow& row)
     cv::Mat peak;
     cv::reduce(strip, peak, 0, cv::REDUCE_MAX);
     cv::Mat ceiling;
-    cv::dilate(peak, ceiling, cv::getStructuringElement(cv::MORPH_RECT, { 61, 1 }));
-    std::vector<double> presence(kColumns);
+    cv::dilate(peak, ceiling, cv::getStructuringElement(cv::MORPH_RECT, { 33, 1 }));
+    cv::Mat presence(1, kColumns, CV_32F);
     for (int x = 0; x < kColumns; ++x) {
-        const double most = std::max<double>(ceiling.at<uchar>(x), 12);
-        presence[std::size_t(x)] = std::min(1.0, peak.at<uchar>(x) / (0.6 * most));
+        const float most = std::max<float>(ceiling.at<uchar>(x), 12);
+        presence.at<float>(x) = std::min(1.0F, float(peak.at<uchar>(x)) / (0.6F * most));
     }
     return presence;
 }
 
-/// The strength of the wave of that length in a piece.
-double wave(const std::vector<double>& presence, std::size_t begin, std::size_t end, double length)
+/// The pitches that are tried, and a cosine and a sine of each: 2 n rows, as long as a piece.
+struct Waves
 {
-    const double turn = 2 * std::numbers::pi / length;
-    const std::complex<double> step(std::cos(turn), std::sin(turn));
-    std::complex<double> phase(1, 0);
-    std::complex<double> sum;
-    double mean = 0;
-    for (std::size_t i = begin; i < end; ++i)
-        mean += presence[i] / double(end - begin);
-    for (std::size_t i = begin; i < end; ++i) {
-        sum += (presence[i] - mean) * phase;
-        phase *= step;
+    std::vector<double> counts; ///< Characters in a row.
+    cv::Mat table; ///< CV_32F.
+
+    Waves()
+    {
+        for (double count = kFewest; count < kMost; count *= kStep)
+            counts.push_back(count);
+        table.create(int(2 * counts.size()), kPiece, CV_32F);
+        for (std::size_t i = 0; i < counts.size(); ++i) {
+            const double turn = 2 * std::numbers::pi * counts[i] / (kPieces * kPiece);
+            for (int x = 0; x < kPiece; ++x) {
+                table.at<float>(int(2 * i), x) = float(std::cos(turn * x) / kPiece);
+                table.at<float>(int(2 * i + 1), x) = float(std::sin(turn * x) / kPiece);
+            }
+        }
     }
-    return std::abs(sum) / double(end - begin);
+};
+
+const Waves& waves()
+{
+    static const Waves all;
+    return all;
 }
 
 } // namespace
 
 TextPitch pitchOf(const cv::Mat& strokes, const std::vector<TextRow>& rows)
 {
-    std::vector<std::vector<double>> presences;
+    // Every piece of every row is a column; perspective lets the pitch's phase drift from one to the next.
+    cv::Mat pieces(kPiece, int(rows.size()) * kPieces, CV_32F);
     double length = 0;
-    for (const TextRow& row : rows) {
-        presences.push_back(presenceOf(strokes, row));
-        length += row.length() / double(rows.size());
-    }
-    TextPitch best;
-    for (double count = kFewest; count < kMost; count *= kStep) {
-        double rhythm = 0;
-        for (const auto& presence : presences) {
-            for (int piece = 0; piece < kPieces; ++piece)
-                rhythm += wave(presence, std::size_t(kColumns * piece / kPieces),
-                    std::size_t(kColumns * (piece + 1) / kPieces), kColumns / count);
+    for (std::size_t r = 0; r < rows.size(); ++r) {
+        const cv::Mat presence = presenceOf(strokes, rows[r]);
+        for (int piece = 0; piece < kPieces; ++piece) {
+            const cv::Mat own = presence.colRange(piece * kPiece, (piece + 1) * kPiece);
+            const cv::Mat level = own - cv::mean(own)[0];
+            cv::Mat(level.t()).copyTo(pieces.col(int(r) * kPieces + piece));
         }
-        rhythm /= kPieces * double(presences.size());
+        length += rows[r].length() / double(rows.size());
+    }
+    cv::Mat strengths;
+    cv::gemm(waves().table, pieces, 1, cv::noArray(), 0, strengths);
+    TextPitch best;
+    for (std::size_t i = 0; i < waves().counts.size(); ++i) {
+        const auto* cosines = strengths.ptr<float>(int(2 * i));
+        const auto* sines = strengths.ptr<float>(int(2 * i + 1));
+        double rhythm = 0;
+        for (int c = 0; c < strengths.cols; ++c)
+            rhythm += std::hypot(double(cosines[c]), double(sines[c])) / strengths.cols;
         if (rhythm > best.rhythm)
-            best = { length / count, rhythm };
+            best = { length / waves().counts[i], rhythm };
     }
     return best;
 }
