@@ -17,6 +17,8 @@ namespace {
 constexpr int kLargest = 1000; ///< Longer side of what is searched, in pixels.
 constexpr int kCoarse = 450; ///< The same for large print.
 constexpr int kSmallest = 500; ///< Pictures below are enlarged to twice their size.
+constexpr double kLeastWidth = 120; ///< No zone is legible in less.
+constexpr double kLeastHeight = 24;
 constexpr std::size_t kMostBands = 4;
 constexpr std::size_t kMostRows = 30;
 constexpr double kLeastOwnRhythm = 0.05; ///< Of a single row, whose ends may be wrong.
@@ -58,11 +60,6 @@ Scaled scaled(const cv::Mat& brightness, double size)
     if (std::abs(size - 1) > 1e-9)
         cv::resize(brightness, small.brightness, {}, size, size, size < 1 ? cv::INTER_AREA : cv::INTER_CUBIC);
     return small;
-}
-
-double sizeFor(const cv::Mat& brightness, int longer)
-{
-    return double(longer) / std::max(brightness.cols, brightness.rows);
 }
 
 /// Rows that may be neighbours in a zone.
@@ -204,14 +201,14 @@ bool isSame(const MrzBand& a, const MrzBand& b)
 std::vector<MrzBand> findMrzBands(const QImage& picture)
 {
     std::vector<MrzBand> bands;
-    if (picture.width() < 60 || picture.height() < 15)
+    const int longer = std::max(picture.width(), picture.height());
+    const double size = longer < kSmallest ? 2.0 : std::min(1.0, double(kLargest) / std::max(longer, 1));
+    if (picture.width() * size < kLeastWidth || picture.height() * size < kLeastHeight)
         return bands;
-    const cv::Mat brightness = brightnessOf(picture);
-    const int longer = std::max(brightness.cols, brightness.rows);
-    const Scaled fine = scaled(brightness, longer < kSmallest ? 2.0 : std::min(1.0, sizeFor(brightness, kLargest)));
+    const Scaled fine = scaled(brightnessOf(picture), size);
     search(fine, bands);
     if (std::max(fine.brightness.cols, fine.brightness.rows) > kCoarse * 1.2) {
-        Scaled coarse = scaled(fine.brightness, sizeFor(fine.brightness, kCoarse));
+        Scaled coarse = scaled(fine.brightness, double(kCoarse) / std::max(fine.brightness.cols, fine.brightness.rows));
         coarse.factor *= fine.factor;
         search(coarse, bands);
     }

@@ -72,7 +72,16 @@ TEST(MrzBandFinder, FindsNothingWhereThereIsNoZone)
     EXPECT_TRUE(findMrzBands(image).empty());
     EXPECT_TRUE(findMrzBands(QImage()).empty());
     EXPECT_TRUE(findMrzBands(QImage(1, 1, QImage::Format_RGB32)).empty());
-    EXPECT_TRUE(findMrzBands(QImage(20000, 3, QImage::Format_Grayscale8)).empty());
+    for (const QSize size : { QSize(30000, 16), QSize(16, 30000), QSize(64, 64), QSize(9000, 100) }) {
+        QImage stripes(size, QImage::Format_RGB32);
+        stripes.fill(Qt::white);
+        for (int x = 0; x < stripes.width(); x += 7) {
+            for (int y = 0; y < stripes.height(); ++y)
+                stripes.setPixel(x, y, y % 20 < 9 ? qRgb(0, 0, 0) : qRgb(255, 255, 255));
+        }
+        for (const MrzBand& band : findMrzBands(stripes))
+            EXPECT_LT(drawMrzBand(stripes, band, {}).width(), 4000);
+    }
     for (const auto background : { specimen::Background::TextPage, specimen::Background::Keyboard }) {
         specimen::SceneOptions options;
         options.subject = specimen::Subject::Nothing;
