@@ -133,6 +133,7 @@ MrzInterpretation interpretMrzZone(
     const MrzChecks checks = checkMrzZone(format, fitting.shapes, zone, today);
     found.checks = checks.count();
     fillFields(result, format, zone, today);
+    result.lines = zone.text();
     fillChecks(result, checks);
     if (ocrCorrection) {
         result.allCheckDigitsValid &= checks.isIdentityNumberRight && found.violations == 0 && !settlement.isAmbiguous

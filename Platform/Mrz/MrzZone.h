@@ -3,6 +3,7 @@
 #include "Platform/Mrz/MrzFormat.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <cstddef>
 #include <vector>
@@ -44,6 +45,15 @@ struct MrzZone
         QString taken;
         for (int i = 0; i < place.length; ++i)
             taken += QChar(at(place, i).taken);
+        return taken;
+    }
+
+    /// All lines as taken.
+    [[nodiscard]] QStringList text() const
+    {
+        QStringList taken;
+        for (std::size_t line = 0; line < lines.size(); ++line)
+            taken << text({ static_cast<int>(line), 0, static_cast<int>(lines[line].size()) });
         return taken;
     }
 };

@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -71,6 +72,9 @@ struct QKMRZResult
     /// Every check digit of the format is right, both dates are days of the calendar, and, when the text comes from an
     /// OCR, nothing else speaks against the reading: see `QKMRZParser`. Only such a reading may be trusted.
     bool allCheckDigitsValid = false;
+
+    /// The document's own lines as taken, each of the format's length.
+    QStringList lines;
 
     /// Corrections and doubts, in no particular order. Empty for a text that was taken as it stood.
     std::vector<MrzMark> marks;
