@@ -8,6 +8,8 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTcpServer>
+#include <QTemporaryFile>
 
 #include <gtest/gtest.h>
 #include <thread>
@@ -46,11 +48,24 @@ protected:
     {
         const QString program = QStandardPaths::findExecutable(
             QStringLiteral("pcscd"), { QStringLiteral("/usr/sbin"), QStringLiteral("/usr/bin") });
-        if (program.isEmpty() || geteuid() != 0)
+        if (program.isEmpty() || geteuid() != 0 || !QFile::exists(QLatin1String(kDriver)))
             return;
+        // A port of its own: the usual one stays taken for a minute after an earlier service.
+        QTcpServer free;
+        ASSERT_TRUE(free.listen(QHostAddress::LocalHost));
+        port = free.serverPort();
+        free.close();
+        configuration = new QTemporaryFile;
+        ASSERT_TRUE(configuration->open());
+        configuration->write(QStringLiteral("FRIENDLYNAME \"Virtual PCD\"\nDEVICENAME /dev/null:0x%1\nLIBPATH %2\n"
+                                            "CHANNELID 0x%1\n")
+                                 .arg(port, 0, 16)
+                                 .arg(QLatin1String(kDriver))
+                                 .toLatin1());
+        configuration->close();
         service = new QProcess;
         service->setProgram(program);
-        service->setArguments({ QStringLiteral("-f") });
+        service->setArguments({ QStringLiteral("-f"), QStringLiteral("-c"), configuration->fileName() });
         QElapsedTimer clock;
         clock.start();
         while (!PcscTerminal().isAvailable() && clock.elapsed() < 20'000) {
@@ -67,6 +82,7 @@ protected:
         service->waitForFinished(10'000);
         delete service;
         service = nullptr;
+        delete configuration;
     }
     void SetUp() override
     {
@@ -84,7 +100,10 @@ protected:
             [&files] { files.reset(); }, std::move(atr) };
     }
 
+    static constexpr const char* kDriver = "/usr/lib/pcsc/drivers/serial/libifdvpcd.so";
     static inline QProcess* service = nullptr;
+    static inline QTemporaryFile* configuration = nullptr;
+    static inline std::uint16_t port = 0;
     CancelToken cancel;
 };
 
@@ -94,7 +113,7 @@ TEST_F(Pcsc, ReadsAFileThroughTheService)
     ChipFiles files;
     files.add(0x0102, content, true);
     for (const bool extended : { true, false }) {
-        const VirtualReaderCard card(cardOf(files, extended ? kExtendedAtr : *fromHex("3B 80 80 01 01")));
+        const VirtualReaderCard card(cardOf(files, extended ? kExtendedAtr : *fromHex("3B 80 80 01 01")), port);
         ASSERT_TRUE(card.problem().empty()) << card.problem();
         auto opened = PcscTerminal().waitForCard(10s, cancel);
         ASSERT_TRUE(std::holds_alternative<std::unique_ptr<CardChannel>>(opened))
@@ -122,7 +141,7 @@ TEST_F(Pcsc, TellsACardThatLeftFromOneThatNeverCame)
     auto none = terminal.waitForCard(300ms, cancel);
     EXPECT_EQ(std::get<TransportError>(none).kind, Kind::NoCard) << std::get<TransportError>(none).detail;
 
-    auto card = std::make_unique<VirtualReaderCard>(cardOf(files));
+    auto card = std::make_unique<VirtualReaderCard>(cardOf(files), port);
     auto opened = terminal.waitForCard(10s, cancel);
     auto& channel = std::get<std::unique_ptr<CardChannel>>(opened);
     card.reset();
@@ -135,7 +154,7 @@ TEST_F(Pcsc, TellsACardThatLeftFromOneThatNeverCame)
     // It comes back while the reader waits.
     std::thread later([&] {
         std::this_thread::sleep_for(300ms);
-        card = std::make_unique<VirtualReaderCard>(cardOf(files));
+        card = std::make_unique<VirtualReaderCard>(cardOf(files), port);
     });
     auto again = terminal.waitForCard(10s, cancel);
     later.join();
