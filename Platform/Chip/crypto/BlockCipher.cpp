@@ -35,7 +35,8 @@ Bytes run(CipherAlgorithm algorithm, ByteView key, ByteView initialVector, ByteV
     Bytes result(text.size() + size);
     int written = 0;
     if (!context
-        || EVP_CipherInit_ex(context.get(), method(algorithm), nullptr, key.data(), vector.data(), encrypts ? 1 : 0) != 1
+        || EVP_CipherInit_ex(context.get(), method(algorithm), nullptr, key.data(), vector.data(), encrypts ? 1 : 0)
+            != 1
         || EVP_CIPHER_CTX_set_padding(context.get(), 0) != 1
         || EVP_CipherUpdate(context.get(), result.data(), &written, text.data(), static_cast<int>(text.size())) != 1)
         fatalError("OpenSSL has no block ciphers.");

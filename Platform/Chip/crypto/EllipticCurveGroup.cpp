@@ -24,9 +24,9 @@ constexpr int greatestField = 521;
 class EllipticCurveGroup final : public KeyAgreementGroup
 {
 public:
-    explicit EllipticCurveGroup(Curve curve) : m_curve(std::move(curve)), m_fieldBits(EC_GROUP_get_degree(m_curve.get()))
-    {
-    }
+    explicit EllipticCurveGroup(Curve curve)
+        : m_curve(std::move(curve)), m_fieldBits(EC_GROUP_get_degree(m_curve.get()))
+    { }
 
     Kind kind() const override { return Kind::ECDH; }
     std::size_t fieldBits() const override { return static_cast<std::size_t>(m_fieldBits); }
@@ -105,7 +105,8 @@ private:
         const BigNumberContext context = newBigNumberContext();
         Point point = newPoint();
         // Refuses coordinates out of range and points beside the curve.
-        if (EC_POINT_oct2point(m_curve.get(), point.get(), encodedPoint.data(), encodedPoint.size(), context.get()) != 1)
+        if (EC_POINT_oct2point(m_curve.get(), point.get(), encodedPoint.data(), encodedPoint.size(), context.get())
+            != 1)
             return nullptr;
         if (!BN_is_one(EC_GROUP_get0_cofactor(m_curve.get()))) {
             const Point neutral = newPoint();
@@ -145,7 +146,8 @@ private:
 };
 
 // The point encoding of Brier, Coron, Icart, Madore, Randriam and Tibouchi for primes that leave 3 modulo 4, with the
-// names of ICAO Doc 9303-11 appendix B: no branch depends on the number but the last, and no square root is searched for.
+// names of ICAO Doc 9303-11 appendix B: no branch depends on the number but the last, and no square root is searched
+// for.
 std::optional<Bytes> EllipticCurveGroup::mapped(ByteView pseudoRandom) const
 {
     const BigNumberContext context = newBigNumberContext();
@@ -163,8 +165,8 @@ std::optional<Bytes> EllipticCurveGroup::mapped(ByteView pseudoRandom) const
         && BN_mod_sub(alpha.get(), p.get(), alpha.get(), p.get(), c));
 
     // x2 = -b/a (1 + 1/(alpha + alpha²))
-    require(BN_mod_sqr(test.get(), alpha.get(), p.get(), c)
-        && BN_mod_add(test.get(), test.get(), alpha.get(), p.get(), c));
+    require(
+        BN_mod_sqr(test.get(), alpha.get(), p.get(), c) && BN_mod_add(test.get(), test.get(), alpha.get(), p.get(), c));
     if (BN_is_zero(test.get()))
         return std::nullopt;
     require(BN_mod_inverse(test.get(), test.get(), p.get(), c) != nullptr
@@ -185,8 +187,7 @@ std::optional<Bytes> EllipticCurveGroup::mapped(ByteView pseudoRandom) const
         && BN_rshift(exponent.get(), exponent.get(), 2) && BN_sub(exponent.get(), p.get(), exponent.get())
         && BN_sub_word(exponent.get(), 1)
         && BN_mod_exp_mont_consttime(power.get(), h2.get(), exponent.get(), p.get(), c, nullptr)
-        && BN_mod_sqr(test.get(), power.get(), p.get(), c)
-        && BN_mod_mul(test.get(), test.get(), h2.get(), p.get(), c));
+        && BN_mod_sqr(test.get(), power.get(), p.get(), c) && BN_mod_mul(test.get(), test.get(), h2.get(), p.get(), c));
     const bool second = BN_is_one(test.get());
     require(BN_mod_mul(power.get(), power.get(), second ? h2.get() : u.get(), p.get(), c));
     const Point point = newPoint();

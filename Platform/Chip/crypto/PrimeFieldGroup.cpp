@@ -16,10 +16,9 @@ constexpr int greatestPrime = 4096;
 class PrimeFieldGroup final : public KeyAgreementGroup
 {
 public:
-    PrimeFieldGroup(BigNumber prime, BigNumber order, BigNumber generator) :
-        m_prime(std::move(prime)), m_order(std::move(order)), m_generator(std::move(generator))
-    {
-    }
+    PrimeFieldGroup(BigNumber prime, BigNumber order, BigNumber generator)
+        : m_prime(std::move(prime)), m_order(std::move(order)), m_generator(std::move(generator))
+    { }
 
     Kind kind() const override { return Kind::DH; }
     std::size_t fieldBits() const override { return static_cast<std::size_t>(BN_num_bits(m_prime.get())); }
@@ -97,8 +96,8 @@ private:
     BigNumber raised(const BIGNUM* base, const BIGNUM* exponent) const
     {
         BigNumber result = newBigNumber();
-        require(BN_mod_exp_mont_consttime(
-                    result.get(), base, exponent, m_prime.get(), newBigNumberContext().get(), nullptr)
+        require(
+            BN_mod_exp_mont_consttime(result.get(), base, exponent, m_prime.get(), newBigNumberContext().get(), nullptr)
             == 1);
         return result;
     }

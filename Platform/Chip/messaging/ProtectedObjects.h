@@ -7,14 +7,14 @@ namespace kelvara::chip {
 
 /// Tags of secure messaging (ISO/IEC 7816-4 §10.2).
 namespace protection {
-    inline constexpr std::uint32_t encodedCryptogram = 0x85; ///< Of commands with odd INS, whose data are data objects.
-    inline constexpr std::uint32_t cryptogram = 0x87; ///< After a byte that tells the padding.
-    inline constexpr std::uint32_t checksum = 0x8E;
-    inline constexpr std::uint32_t expectedLength = 0x97;
-    inline constexpr std::uint32_t status = 0x99;
-    inline constexpr std::uint8_t paddingIndicator = 0x01;
-    inline constexpr std::uint8_t classBits = 0x0C;
-}
+inline constexpr std::uint32_t encodedCryptogram = 0x85; ///< Of commands with odd INS, whose data are data objects.
+inline constexpr std::uint32_t cryptogram = 0x87; ///< After a byte that tells the padding.
+inline constexpr std::uint32_t checksum = 0x8E;
+inline constexpr std::uint32_t expectedLength = 0x97;
+inline constexpr std::uint32_t status = 0x99;
+inline constexpr std::uint8_t paddingIndicator = 0x01;
+inline constexpr std::uint8_t classBits = 0x0C;
+} // namespace protection
 
 /// The header of a command as the checksum covers it: four bytes, padded to a block.
 [[nodiscard]] Bytes protectedHeader(const CommandApdu& command, CipherAlgorithm cipher);

@@ -45,8 +45,8 @@ Bytes SessionKeys::checksum(ByteView head, ByteView objects) const
 {
     const Bytes message = joined({ sendSequenceCounter, head, objects });
     // The retail MAC pads by itself, CMAC does not in this way.
-    return messageAuthenticationCode(cipher, authentication,
-        cipher == CipherAlgorithm::TripleDES ? message : padded(message, blockSize(cipher)));
+    return messageAuthenticationCode(
+        cipher, authentication, cipher == CipherAlgorithm::TripleDES ? message : padded(message, blockSize(cipher)));
 }
 
 } // namespace kelvara::chip
