@@ -6,39 +6,39 @@ namespace kelvara::chip {
 
 namespace bac {
 
-    Bytes sealed(const SessionKeys& documentKeys, ByteView text)
-    {
-        const Bytes cipherText = encryptCBC(documentKeys.cipher, documentKeys.encryption, {}, text);
-        return joined({ cipherText,
-            messageAuthenticationCode(documentKeys.cipher, documentKeys.authentication, cipherText) });
-    }
+Bytes sealed(const SessionKeys& documentKeys, ByteView text)
+{
+    const Bytes cipherText = encryptCBC(documentKeys.cipher, documentKeys.encryption, {}, text);
+    return joined(
+        { cipherText, messageAuthenticationCode(documentKeys.cipher, documentKeys.authentication, cipherText) });
+}
 
-    std::optional<Bytes> opened(const SessionKeys& documentKeys, ByteView cryptogram)
-    {
-        if (cryptogram.size() != cryptogramSize + macSize)
-            return std::nullopt;
-        const ByteView cipherText = cryptogram.first(cryptogramSize);
-        if (!equalInConstantTime(cryptogram.last(macSize),
-                messageAuthenticationCode(documentKeys.cipher, documentKeys.authentication, cipherText)))
-            return std::nullopt;
-        return decryptCBC(documentKeys.cipher, documentKeys.encryption, {}, cipherText);
-    }
+std::optional<Bytes> opened(const SessionKeys& documentKeys, ByteView cryptogram)
+{
+    if (cryptogram.size() != cryptogramSize + macSize)
+        return std::nullopt;
+    const ByteView cipherText = cryptogram.first(cryptogramSize);
+    if (!equalInConstantTime(cryptogram.last(macSize),
+            messageAuthenticationCode(documentKeys.cipher, documentKeys.authentication, cipherText)))
+        return std::nullopt;
+    return decryptCBC(documentKeys.cipher, documentKeys.encryption, {}, cipherText);
+}
 
-    SessionKeys session(ByteView terminalKey, ByteView chipKey, ByteView terminalChallenge, ByteView chipChallenge)
-    {
-        Bytes seed = bytes(terminalKey);
-        for (std::size_t i = 0; i < seed.size(); ++i)
-            seed[i] ^= chipKey[i];
-        SessionKeys keys = SessionKeys::derived(CipherAlgorithm::TripleDES, seed);
-        keys.sendSequenceCounter
-            = joined({ chipChallenge.last(challengeSize / 2), terminalChallenge.last(challengeSize / 2) });
-        return keys;
-    }
+SessionKeys session(ByteView terminalKey, ByteView chipKey, ByteView terminalChallenge, ByteView chipChallenge)
+{
+    Bytes seed = bytes(terminalKey);
+    for (std::size_t i = 0; i < seed.size(); ++i)
+        seed[i] ^= chipKey[i];
+    SessionKeys keys = SessionKeys::derived(CipherAlgorithm::TripleDES, seed);
+    keys.sendSequenceCounter
+        = joined({ chipChallenge.last(challengeSize / 2), terminalChallenge.last(challengeSize / 2) });
+    return keys;
+}
 
 } // namespace bac
 
-Bac::Bac(const MrzKey& key, RandomSource random) :
-    m_documentKeys(SessionKeys::derived(CipherAlgorithm::TripleDES, key.seed())), m_random(std::move(random))
+Bac::Bac(const MrzKey& key, RandomSource random)
+    : m_documentKeys(SessionKeys::derived(CipherAlgorithm::TripleDES, key.seed())), m_random(std::move(random))
 {
     send({ 0x00, 0x84, 0x00, 0x00, {}, bac::challengeSize }); // GET CHALLENGE
 }

@@ -27,17 +27,17 @@ private:
 
 /// Parts that both sides have in common.
 namespace bac {
-    inline constexpr std::size_t challengeSize = 8;
-    inline constexpr std::size_t keyMaterialSize = 16;
-    inline constexpr std::size_t cryptogramSize = 2 * challengeSize + keyMaterialSize;
+inline constexpr std::size_t challengeSize = 8;
+inline constexpr std::size_t keyMaterialSize = 16;
+inline constexpr std::size_t cryptogramSize = 2 * challengeSize + keyMaterialSize;
 
-    /// The text encrypted and closed with its checksum.
-    [[nodiscard]] Bytes sealed(const SessionKeys& documentKeys, ByteView text);
-    /// The text of such a cryptogram; absent when it has another size or the checksum is wrong.
-    [[nodiscard]] std::optional<Bytes> opened(const SessionKeys& documentKeys, ByteView cryptogram);
-    /// The session of both sides' key material and challenges.
-    [[nodiscard]] SessionKeys session(
-        ByteView terminalKey, ByteView chipKey, ByteView terminalChallenge, ByteView chipChallenge);
-}
+/// The text encrypted and closed with its checksum.
+[[nodiscard]] Bytes sealed(const SessionKeys& documentKeys, ByteView text);
+/// The text of such a cryptogram; absent when it has another size or the checksum is wrong.
+[[nodiscard]] std::optional<Bytes> opened(const SessionKeys& documentKeys, ByteView cryptogram);
+/// The session of both sides' key material and challenges.
+[[nodiscard]] SessionKeys session(
+    ByteView terminalKey, ByteView chipKey, ByteView terminalChallenge, ByteView chipChallenge);
+} // namespace bac
 
 } // namespace kelvara::chip

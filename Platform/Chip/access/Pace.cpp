@@ -6,10 +6,9 @@
 
 namespace kelvara::chip {
 
-Pace::Pace(PaceSelection selection, const PacePassword& password, RandomSource random) :
-    m_selection(std::move(selection)),
-    m_passwordKey(pace::passwordKey(m_selection.protocol.cipher, password.secret)),
-    m_random(std::move(random))
+Pace::Pace(PaceSelection selection, const PacePassword& password, RandomSource random)
+    : m_selection(std::move(selection)), m_passwordKey(pace::passwordKey(m_selection.protocol.cipher, password.secret)),
+      m_random(std::move(random))
 {
     constexpr Tag protocolTag = 0x80, passwordTag = 0x83, parametersTag = 0x84;
     const std::uint8_t reference[] = { password.reference };
@@ -49,7 +48,8 @@ void Pace::authenticate(Bytes data, Step step)
     constexpr std::uint8_t chaining = 0x10;
     const bool isLast = step == Step::Confirm;
     // A number of more than some 240 bytes makes an answer that needs the extended form.
-    const bool isLong = m_selection.group->kind() == KeyAgreementGroup::Kind::DH && m_selection.group->fieldBits() > 1920;
+    const bool isLong
+        = m_selection.group->kind() == KeyAgreementGroup::Kind::DH && m_selection.group->fieldBits() > 1920;
     const std::uint32_t le = isLong && (step == Step::Map || step == Step::Agree) ? 65536 : 256;
     m_step = step;
     send({ isLast ? std::uint8_t { 0 } : chaining, 0x86, 0x00, 0x00, std::move(data), le });
@@ -86,8 +86,7 @@ void Pace::finishMapping(const ResponseApdu& response)
     if (m_selection.protocol.mapping == PaceMapping::Integrated) {
         // The chip has nothing to add; it answers with an empty object, or without one.
         if (!mapping || mapping->empty())
-            generator = pace::integratedGenerator(
-                group, m_selection.protocol.cipher, m_nonce, m_terminalNonce);
+            generator = pace::integratedGenerator(group, m_selection.protocol.cipher, m_nonce, m_terminalNonce);
     } else if (const auto other = mapping ? group.element(*mapping) : std::nullopt;
                other && *other != m_pair.publicKey) {
         m_chipMappingKey = *other;

@@ -6,8 +6,8 @@
 
 namespace kelvara::chip {
 
-/// What the chip authentication mapping leaves behind: the chip has bound itself to its static key, and whoever has read
-/// the signed EF.CardSecurity can tell whether it holds that key.
+/// What the chip authentication mapping leaves behind: the chip has bound itself to its static key, and whoever has
+/// read the signed EF.CardSecurity can tell whether it holds that key.
 struct MappedChipAuthentication
 {
     GroupPointer group;
@@ -19,8 +19,8 @@ struct MappedChipAuthentication
     [[nodiscard]] bool isProvenBy(const SecurityInfos& cardSecurity) const;
 };
 
-/// Password authenticated connection establishment (ICAO Doc 9303-11 §4.4), the terminal's side. Done on the master file,
-/// before the application is selected.
+/// Password authenticated connection establishment (ICAO Doc 9303-11 §4.4), the terminal's side. Done on the master
+/// file, before the application is selected.
 class Pace final : public AccessProtocol
 {
 public:

@@ -50,7 +50,8 @@ std::optional<Bytes> pseudoRandomNumber(
     CipherAlgorithm cipher, ByteView nonce, ByteView terminalNonce, std::size_t fieldBits)
 {
     const std::size_t size = keySize(cipher);
-    if (nonce.size() < size || (nonce.size() != shortNonce && nonce.size() != longNonce) || terminalNonce.size() != size)
+    if (nonce.size() < size || (nonce.size() != shortNonce && nonce.size() != longNonce)
+        || terminalNonce.size() != size)
         return std::nullopt;
     const bool isShort = nonce.size() == shortNonce;
     const Bytes keyConstant = *fromHex(isShort ? shortKeyConstant : longKeyConstant);

@@ -153,8 +153,8 @@ std::optional<SecurityInfos> SecurityInfos::fromCardSecurity(ByteView file)
 {
     // ContentInfo, SignedData, EncapsulatedContentInfo, its content
     const auto signedData = findTlv(file, { sequenceTag, explicit0Tag, sequenceTag });
-    const auto content = signedData ? findTlv(signedData->value, { sequenceTag, explicit0Tag, octetStringTag })
-                                    : std::nullopt;
+    const auto content
+        = signedData ? findTlv(signedData->value, { sequenceTag, explicit0Tag, octetStringTag }) : std::nullopt;
     return content ? parsed(content->value) : std::nullopt;
 }
 

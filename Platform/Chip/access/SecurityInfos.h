@@ -41,8 +41,8 @@ struct ActiveAuthenticationInfo
     DigestAlgorithm digest = DigestAlgorithm::SHA256; ///< Of plain ECDSA signatures.
 };
 
-/// What a chip tells about its protocols (ICAO Doc 9303-11 §9.2), as far as it is known here: infos of unknown protocols,
-/// versions, curves or shapes are left out.
+/// What a chip tells about its protocols (ICAO Doc 9303-11 §9.2), as far as it is known here: infos of unknown
+/// protocols, versions, curves or shapes are left out.
 struct SecurityInfos
 {
     std::vector<PaceInfo> pace;

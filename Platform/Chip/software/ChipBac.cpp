@@ -13,10 +13,9 @@ constexpr std::uint16_t success = 0x9000, authenticationFailed = 0x6300, conditi
 
 } // namespace
 
-ChipBac::ChipBac(const MrzKey& key, RandomSource random) :
-    m_documentKeys(SessionKeys::derived(CipherAlgorithm::TripleDES, key.seed())), m_random(std::move(random))
-{
-}
+ChipBac::ChipBac(const MrzKey& key, RandomSource random)
+    : m_documentKeys(SessionKeys::derived(CipherAlgorithm::TripleDES, key.seed())), m_random(std::move(random))
+{ }
 
 bool ChipBac::isFor(const CommandApdu& command)
 {

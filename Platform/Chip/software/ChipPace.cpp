@@ -17,14 +17,11 @@ constexpr std::uint8_t manageSecurityEnvironment = 0x22, generalAuthenticate = 0
 
 } // namespace
 
-ChipPace::ChipPace(std::vector<PaceSelection> offers, std::vector<PacePassword> passwords, KeyPair staticKey,
-    RandomSource random) :
-    m_offers(std::move(offers)),
-    m_passwords(std::move(passwords)),
-    m_staticKey(std::move(staticKey)),
-    m_random(std::move(random))
-{
-}
+ChipPace::ChipPace(
+    std::vector<PaceSelection> offers, std::vector<PacePassword> passwords, KeyPair staticKey, RandomSource random)
+    : m_offers(std::move(offers)), m_passwords(std::move(passwords)), m_staticKey(std::move(staticKey)),
+      m_random(std::move(random))
+{ }
 
 bool ChipPace::isFor(const CommandApdu& command) const
 {
@@ -90,8 +87,8 @@ ResponseApdu ChipPace::sendNonce()
     const CipherAlgorithm cipher = m_selection.protocol.cipher;
     m_nonce = m_random(pace::nonceSize(cipher));
     m_step = Step::Map;
-    return { pace::wrapped(pace::encryptedNonce,
-                 encryptCBC(cipher, pace::passwordKey(cipher, m_password), {}, m_nonce)),
+    return { pace::wrapped(
+                 pace::encryptedNonce, encryptCBC(cipher, pace::passwordKey(cipher, m_password), {}, m_nonce)),
         success };
 }
 
@@ -139,8 +136,7 @@ ResponseApdu ChipPace::confirm(ByteView data)
     if (!token
         || !equalInConstantTime(*token, pace::authenticationToken(m_keys, m_selection.protocol, m_pair.publicKey)))
         return refuse(authenticationFailed);
-    Bytes objects
-        = makeTlv(pace::chipToken, pace::authenticationToken(m_keys, m_selection.protocol, m_terminalKey));
+    Bytes objects = makeTlv(pace::chipToken, pace::authenticationToken(m_keys, m_selection.protocol, m_terminalKey));
     if (m_selection.protocol.mapping == PaceMapping::ChipAuthentication) {
         const auto bound = m_selection.group->quotient(m_mappingPair.privateKey, m_staticKey.privateKey);
         if (!bound)
