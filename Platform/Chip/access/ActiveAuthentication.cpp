@@ -5,8 +5,8 @@
 namespace kelvara::chip {
 
 ActiveAuthentication::ActiveAuthentication(ByteView publicKeyInfo, std::optional<ActiveAuthenticationInfo> info,
-    std::uint32_t expected, const RandomSource& random) :
-    m_publicKeyInfo(bytes(publicKeyInfo)), m_info(info)
+    std::uint32_t expected, const RandomSource& random)
+    : m_publicKeyInfo(bytes(publicKeyInfo)), m_info(info)
 {
     if (!SignatureKey::fromInfo(m_publicKeyInfo)) {
         fail(AccessError::Unsupported, 0);

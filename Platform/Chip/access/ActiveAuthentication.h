@@ -11,9 +11,9 @@ namespace kelvara::chip {
 class ActiveAuthentication final : public AccessProtocol
 {
 public:
-    /// `publicKeyInfo` is the SubjectPublicKeyInfo in DG15's 6F; `info` is what DG14 says of the digest for ECDSA, where
-    /// it says so. `expected` is the greatest length of answer to ask for: 256, or more where a longer key and the
-    /// card allow extended lengths.
+    /// `publicKeyInfo` is the SubjectPublicKeyInfo in DG15's 6F; `info` is what DG14 says of the digest for ECDSA,
+    /// where it says so. `expected` is the greatest length of answer to ask for: 256, or more where a longer key and
+    /// the card allow extended lengths.
     ActiveAuthentication(ByteView publicKeyInfo, std::optional<ActiveAuthenticationInfo> info,
         std::uint32_t expected = 256, const RandomSource& random = secureRandom());
 

@@ -13,8 +13,7 @@ constexpr Tag protocolTag = 0x80, keyTag = 0x84, ephemeralKeyTag = 0x91;
 
 auto rank(const ChipAuthenticationSelection& selection)
 {
-    return std::tuple(
-        static_cast<int>(selection.cipher), selection.key.group->kind() == KeyAgreementGroup::Kind::ECDH);
+    return std::tuple(static_cast<int>(selection.cipher), selection.key.group->kind() == KeyAgreementGroup::Kind::ECDH);
 }
 
 } // namespace
@@ -44,8 +43,8 @@ std::optional<ChipAuthenticationSelection> chooseChipAuthentication(const Securi
     return best;
 }
 
-ChipAuthentication::ChipAuthentication(ChipAuthenticationSelection selection, RandomSource random) :
-    m_selection(std::move(selection))
+ChipAuthentication::ChipAuthentication(ChipAuthenticationSelection selection, RandomSource random)
+    : m_selection(std::move(selection))
 {
     const KeyAgreementGroup& group = *m_selection.key.group;
     auto pair = group.generateKeyPair(group.generator(), random);

@@ -122,9 +122,8 @@ struct SignatureKey::Key
                 || BN_cmp(key->exponent.get(), key->modulus.get()) >= 0)
                 return nullptr;
         } else {
-            const BigNumber order = EVP_PKEY_is_a(pkey.get(), "EC") == 1
-                ? parameter(pkey.get(), OSSL_PKEY_PARAM_EC_ORDER)
-                : nullptr;
+            const BigNumber order
+                = EVP_PKEY_is_a(pkey.get(), "EC") == 1 ? parameter(pkey.get(), OSSL_PKEY_PARAM_EC_ORDER) : nullptr;
             if (!order)
                 return nullptr;
             key->orderSize = static_cast<std::size_t>(BN_num_bytes(order.get()));
@@ -187,8 +186,8 @@ bool SignatureKey::verifiesRecovery(ByteView known, ByteView signature) const
     if (BN_cmp(number.get(), m_key->modulus.get()) >= 0)
         return false;
     const BigNumber opened = newBigNumber();
-    require(BN_mod_exp(opened.get(), number.get(), m_key->exponent.get(), m_key->modulus.get(),
-                newBigNumberContext().get())
+    require(
+        BN_mod_exp(opened.get(), number.get(), m_key->exponent.get(), m_key->modulus.get(), newBigNumberContext().get())
         == 1);
     // Signers may give the smaller of s and n - s: a representative always ends with the nibble C.
     if (BN_mod_word(opened.get(), 16) != 0xC)
@@ -234,8 +233,7 @@ bool SignatureKey::verifiesPlain(DigestAlgorithm algorithm, ByteView message, By
     const DigestContext context(EVP_MD_CTX_new());
     const bool verifies = context
         && EVP_DigestVerifyInit(context.get(), nullptr, method(algorithm), nullptr, m_key->pkey.get()) == 1
-        && EVP_DigestVerify(
-               context.get(), encoded, static_cast<std::size_t>(size), message.data(), message.size())
+        && EVP_DigestVerify(context.get(), encoded, static_cast<std::size_t>(size), message.data(), message.size())
             == 1;
     OPENSSL_free(encoded);
     return verifies;

@@ -7,8 +7,8 @@
 
 namespace kelvara::chip {
 
-/// A key for the signatures of active authentication: RSA of 1024 to 4096 bits, or a curve over a prime field. Only keys
-/// with a private part can sign. Copies share one key; any thread.
+/// A key for the signatures of active authentication: RSA of 1024 to 4096 bits, or a curve over a prime field. Only
+/// keys with a private part can sign. Copies share one key; any thread.
 class SignatureKey
 {
 public:

@@ -2,10 +2,9 @@
 
 namespace kelvara::chip {
 
-ChipSigner::ChipSigner(SignatureKey key, DigestAlgorithm digest, bool hasShortTrailer, RandomSource random) :
-    m_key(std::move(key)), m_digest(digest), m_hasShortTrailer(hasShortTrailer), m_random(std::move(random))
-{
-}
+ChipSigner::ChipSigner(SignatureKey key, DigestAlgorithm digest, bool hasShortTrailer, RandomSource random)
+    : m_key(std::move(key)), m_digest(digest), m_hasShortTrailer(hasShortTrailer), m_random(std::move(random))
+{ }
 
 ResponseApdu ChipSigner::answer(const CommandApdu& command) const
 {

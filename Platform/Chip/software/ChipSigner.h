@@ -11,8 +11,8 @@ class ChipSigner
 {
 public:
     /// The key has its private part. `hasShortTrailer` is for RSA with SHA-1: the trailer of one byte.
-    ChipSigner(SignatureKey key, DigestAlgorithm digest, bool hasShortTrailer = false,
-        RandomSource random = secureRandom());
+    ChipSigner(
+        SignatureKey key, DigestAlgorithm digest, bool hasShortTrailer = false, RandomSource random = secureRandom());
 
     /// Whether the command is INTERNAL AUTHENTICATE.
     [[nodiscard]] static bool isFor(const CommandApdu& command) { return command.ins == 0x88; }
