@@ -43,8 +43,7 @@ TEST(ChipAuthentication, GroupsAndCiphersThroughTheSessionBefore)
                 while (authentication.command()) {
                     ASSERT_LT(++commands, 3);
                     EXPECT_TRUE(chip.isFor(*authentication.command()));
-                    const auto air = CommandApdu::decoded(
-                        terminalSide.protect(*authentication.command())->encoded());
+                    const auto air = CommandApdu::decoded(terminalSide.protect(*authentication.command())->encoded());
                     const ResponseApdu answer = chipSide.protect(chip.answer(*chipSide.unprotect(*air)));
                     authentication.receive(std::get<ResponseApdu>(terminalSide.unprotect(answer)));
                 }

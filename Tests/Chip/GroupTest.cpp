@@ -1,3 +1,4 @@
+#include "ExplicitCurve.h"
 #include "Platform/Chip/Tlv.h"
 #include "Platform/Chip/crypto/DomainParameters.h"
 #include "Platform/Chip/crypto/EllipticCurveGroup.h"
@@ -64,8 +65,8 @@ TEST(KeyAgreementGroup, ForeignElementsAreChecked)
                         "A151AF5F0DC8B4BD45BF37DF365C1A65E68CFDA76D4DA708DF1FB2BC2E4A4371");
     const Bytes beforeP = joined({ first(p, 127), hex("70") });
     const Bytes afterP = joined({ first(p, 127), hex("73") });
-    for (const Bytes& no : { Bytes {}, Bytes(1, 0), Bytes(1, 1), Bytes(1, 2), beforeP, p, afterP, Bytes(128, 0xFF),
-             Bytes(129, 1) })
+    for (const Bytes& no :
+        { Bytes {}, Bytes(1, 0), Bytes(1, 1), Bytes(1, 2), beforeP, p, afterP, Bytes(128, 0xFF), Bytes(129, 1) })
         EXPECT_FALSE(field->element(no)) << toHex(no); // 2 lies beside the subgroup
     EXPECT_EQ(field->element(field->generator()), field->generator());
     const Bytes longer = joined({ hex("00"), *field->power(field->generator(), Bytes(1, 2)) });
@@ -85,46 +86,29 @@ TEST(KeyAgreementGroup, ForeignElementsAreChecked)
     EXPECT_FALSE(namedCurve("no such curve"));
 }
 
-// Explicit parameters: version 1, prime field, a, b, generator, order and cofactor.
-Bytes explicitCurve(const char* p, const char* a, const char* b, const char* generator, const char* order)
-{
-    const auto number = [](const char* digits) { return makeTlv(0x02, joined({ hex("00"), hex(digits) })); };
-    const Bytes field = makeTlv(0x30, joined({ hex("06072A8648CE3D0101"), number(p) }));
-    const Bytes coefficients = makeTlv(0x30, joined({ makeTlv(0x04, hex(a)), makeTlv(0x04, hex(b)) }));
-    return makeTlv(0x30, joined({ hex("020101"), field, coefficients, makeTlv(0x04, hex(generator)), number(order),
-                             hex("020101") }));
-}
-
 TEST(KeyAgreementGroup, ExplicitCurvesAreTriedNotBelieved)
 {
-    const char* p = "A9FB57DBA1EEA9BC3E660A909D838D726E3BF623D52620282013481D1F6E5377";
-    const char* a = "7D5A0975FC2C3057EEF67530417AFFE7FB8055C126DC5C6CE94A4B44F330B5D9";
-    const char* b = "26DC5C6CE94A4B44F330B5D9BBD77CBF958416295CF7E1CE6BCCDC18FF8C07B6";
-    const char* g = "048BD2AEB9CB7E57CB2C4B482FFC81B7AFB9DE27E1E3BD23C23A4453BD9ACE3262"
-                    "547EF835C3DAC4FD97F8461A14611DC9C27745132DED8E545C1D54C72F046997";
-    const char* n = "A9FB57DBA1EEA9BC3E660A909D838D718C397AA3B561A6F7901E0E82974856A7";
-    const GroupPointer known = curveFromParameters(explicitCurve(p, a, b, g, n));
+    const GroupPointer known = curveFromParameters(explicitParameters(brainpoolP256r1));
     ASSERT_TRUE(known);
     EXPECT_EQ(known->generator(), standardizedGroup(13)->generator());
 
-    // A curve that OpenSSL has no name for: FRP256v1 of France.
-    const char* frP = "F1FD178C0B3AD58F10126DE8CE42435B3961ADBCABC8CA6DE8FCF353D86E9C03";
-    const char* frA = "F1FD178C0B3AD58F10126DE8CE42435B3961ADBCABC8CA6DE8FCF353D86E9C00";
-    const char* frB = "EE353FCA5428A9300D4ABA754A44C00FDFEC0C9AE4B1A1803075ED967B7BB73F";
-    const char* frG = "04B6B3D4C356C139EB31183D4749D423958C27D2DCAF98B70164C97A2DD98F5CFF"
-                      "6142E0F7C8B204911F9271F0F3ECEF8C2701C307E8E4C9E183115A1554062CFB";
-    const char* frN = "F1FD178C0B3AD58F10126DE8CE42435B53DC67E140D2BF941FFDD459C6D655E1";
-    const GroupPointer unnamed = curveFromParameters(explicitCurve(frP, frA, frB, frG, frN));
+    const GroupPointer unnamed = curveFromParameters(explicitParameters(frp256v1));
     ASSERT_TRUE(unnamed);
     const auto pair = unnamed->generateKeyPair(unnamed->generator(), secureRandom());
     EXPECT_TRUE(pair && unnamed->element(pair->publicKey));
 
-    EXPECT_FALSE(curveFromParameters(explicitCurve(frP, frA, frB, frG, n))) << "a wrong order";
-    EXPECT_FALSE(curveFromParameters(explicitCurve(frP, frA, frA, frG, frN))) << "a generator beside the curve";
-    EXPECT_FALSE(curveFromParameters(explicitCurve(frN, frA, frB, frG, frP))) << "prime and order mixed up";
+    ExplicitCurve wrong = frp256v1;
+    wrong.order = brainpoolP256r1.order;
+    EXPECT_FALSE(curveFromParameters(explicitParameters(wrong)));
+    wrong = frp256v1;
+    wrong.b = wrong.a;
+    EXPECT_FALSE(curveFromParameters(explicitParameters(wrong))) << "a generator beside the curve";
+    wrong = frp256v1;
+    std::swap(wrong.p, wrong.order);
+    EXPECT_FALSE(curveFromParameters(explicitParameters(wrong)));
     EXPECT_FALSE(curveFromParameters({}));
     EXPECT_FALSE(curveFromParameters(Bytes(2000, 0x30)));
-    const Bytes whole = explicitCurve(p, a, b, g, n);
+    const Bytes whole = explicitParameters(brainpoolP256r1);
     for (std::size_t size = 1; size < whole.size(); ++size)
         EXPECT_FALSE(curveFromParameters(ByteView(whole).first(size)));
 }

@@ -68,7 +68,8 @@ TEST(Pace, EveryMappingGroupAndCipher)
 {
     constexpr unsigned p224 = 10; // has no integrated mapping
     int runs = 0;
-    for (const PaceMapping mapping : { PaceMapping::Generic, PaceMapping::Integrated, PaceMapping::ChipAuthentication }) {
+    for (const PaceMapping mapping :
+        { PaceMapping::Generic, PaceMapping::Integrated, PaceMapping::ChipAuthentication }) {
         const bool provesChip = mapping == PaceMapping::ChipAuthentication;
         for (const unsigned id : { 0U, 1U, 2U, 8U, 9U, 10U, 11U, 12U, 13U, 14U, 15U, 16U, 17U, 18U }) {
             if ((provesChip && id < 8) || (mapping == PaceMapping::Integrated && id == p224))
@@ -92,7 +93,8 @@ TEST(Pace, EveryMappingGroupAndCipher)
 
 TEST(Pace, AWrongPasswordIsToldByTheLastStep)
 {
-    for (const PaceMapping mapping : { PaceMapping::Generic, PaceMapping::Integrated, PaceMapping::ChipAuthentication }) {
+    for (const PaceMapping mapping :
+        { PaceMapping::Generic, PaceMapping::Integrated, PaceMapping::ChipAuthentication }) {
         for (const unsigned id : { 0U, 13U }) {
             if (id == 0 && mapping == PaceMapping::ChipAuthentication)
                 continue;
@@ -108,7 +110,8 @@ TEST(Pace, AWrongPasswordIsToldByTheLastStep)
 
 TEST(Pace, NoChangedAnswerIsTaken)
 {
-    for (const PaceMapping mapping : { PaceMapping::Generic, PaceMapping::Integrated, PaceMapping::ChipAuthentication }) {
+    for (const PaceMapping mapping :
+        { PaceMapping::Generic, PaceMapping::Integrated, PaceMapping::ChipAuthentication }) {
         const PaceSelection way = selection(mapping, 13, CipherAlgorithm::AES128);
         std::vector<std::size_t> sizes;
         converse(way, password, [&sizes](std::size_t, const Bytes& response) { sizes.push_back(response.size()); });
@@ -213,8 +216,8 @@ TEST(Pace, StatusWordsByStep)
         EXPECT_EQ(outcome.failure->error, row.error) << row.step << ' ' << std::hex << row.sw;
         EXPECT_EQ(outcome.failure->sw, row.sw);
     }
-    const Outcome warned = converse(selection(PaceMapping::Generic, 13, CipherAlgorithm::AES128), password,
-        [](std::size_t step, Bytes& response) {
+    const Outcome warned = converse(
+        selection(PaceMapping::Generic, 13, CipherAlgorithm::AES128), password, [](std::size_t step, Bytes& response) {
             if (step == 0)
                 response = hex("63C2");
         });

@@ -120,9 +120,10 @@ TEST(SecureMessaging, EveryChangedByteEndsTheSession)
 
 TEST(SecureMessaging, WhatIsAuthenticButNoResponseIsRefused)
 {
-    for (const char* objects : { "", "99039000 00", "9902 9000 9902 9000", "87 01 01 9902 9000", "87 09 02 0011223344556677 9902 9000",
-             "87 03 01 00 00 9902 9000", "85 08 0011223344556677", "97 01 10 9902 9000", "99 02 90", "53 01 00 9902 9000",
-             "87 11 01 00112233445566770011223344556677 9902 9000" }) {
+    for (const char* objects :
+        { "", "99039000 00", "9902 9000 9902 9000", "87 01 01 9902 9000", "87 09 02 0011223344556677 9902 9000",
+            "87 03 01 00 00 9902 9000", "85 08 0011223344556677", "97 01 10 9902 9000", "99 02 90",
+            "53 01 00 9902 9000", "87 11 01 00112233445566770011223344556677 9902 9000" }) {
         SessionKeys keys = SessionKeys::derived(CipherAlgorithm::TripleDES, secret);
         keys.countUp();
         keys.countUp();

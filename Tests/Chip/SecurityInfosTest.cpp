@@ -3,8 +3,8 @@
 #include "Platform/Chip/Tlv.h"
 #include "Platform/Chip/access/ChipAuthentication.h"
 #include "Platform/Chip/access/PaceSelection.h"
-#include "ProtocolRun.h"
 #include "Platform/Chip/software/SecurityInfoWriter.h"
+#include "ProtocolRun.h"
 
 namespace kelvara::chip {
 namespace {
@@ -31,8 +31,8 @@ TEST(SecurityInfos, TheExamplesCardAccess)
 TEST(SecurityInfos, EveryKindOfDataGroup14)
 {
     const Bytes point = standardizedGroup(12)->generator();
-    const Bytes explicitKey = publicKeyInfo(
-        makeTlv(0x30, joined({ hex("06072A8648CE3D0201"), hex("06082A8648CE3D030107") })), point);
+    const Bytes explicitKey
+        = publicKeyInfo(makeTlv(0x30, joined({ hex("06072A8648CE3D0201"), hex("06082A8648CE3D030107") })), point);
     const Bytes file = makeTlv(0x6E,
         securityInfos({
             securityInfo(smartcardIdentifier({ 3, 2, 4 }), { hex("020101"), hex("020105") }),

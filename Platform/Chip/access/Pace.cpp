@@ -50,7 +50,9 @@ void Pace::authenticate(Bytes data, Step step)
     // A number of more than some 240 bytes makes an answer that needs the extended form.
     const bool isLong
         = m_selection.group->kind() == KeyAgreementGroup::Kind::DH && m_selection.group->fieldBits() > 1920;
-    const std::uint32_t le = isLong && (step == Step::Map || step == Step::Agree) ? 65536 : 256;
+    const bool bringsNumber
+        = step == Step::Agree || (step == Step::Map && m_selection.protocol.mapping != PaceMapping::Integrated);
+    const std::uint32_t le = isLong && bringsNumber ? 65536 : 256;
     m_step = step;
     send({ isLast ? std::uint8_t { 0 } : chaining, 0x86, 0x00, 0x00, std::move(data), le });
 }
@@ -110,7 +112,7 @@ void Pace::agree(const ResponseApdu& response)
     auto keys = agreed ? pace::session(group, m_selection.protocol.cipher, *agreed) : std::nullopt;
     if (!keys)
         return fail(AccessError::Protocol, response.sw);
-    m_chipKey = *other;
+    m_chipKey = bytes(*value); // as the chip wrote it: should it keep leading zeros, its token covers them
     m_keys = std::move(*keys);
     authenticate(pace::wrapped(pace::terminalToken, pace::authenticationToken(m_keys, m_selection.protocol, m_chipKey)),
         Step::Confirm);

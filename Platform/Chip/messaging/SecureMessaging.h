@@ -28,6 +28,12 @@ class SecureMessaging
 public:
     explicit SecureMessaging(SessionKeys keys) : m_keys(std::move(keys)) { }
 
+    // Two that count alike would use the same initial vectors twice.
+    SecureMessaging(const SecureMessaging&) = delete;
+    SecureMessaging& operator=(const SecureMessaging&) = delete;
+    SecureMessaging(SecureMessaging&&) = default;
+    SecureMessaging& operator=(SecureMessaging&&) = default;
+
     /// The command as it goes over the air; absent when the session is over or the data would not fit into a command.
     [[nodiscard]] std::optional<CommandApdu> protect(const CommandApdu& command);
 

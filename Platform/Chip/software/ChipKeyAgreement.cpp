@@ -19,17 +19,17 @@ bool ChipKeyAgreement::isFor(const CommandApdu& command) const
 {
     return (command.ins == manageSecurityEnvironment && command.p1 == 0x41
                && (command.p2 == 0xA6 || command.p2 == 0xA4))
-        || (command.ins == generalAuthenticate && m_selected);
+        || (command.ins == generalAuthenticate && m_selected.has_value());
 }
 
 ResponseApdu ChipKeyAgreement::answer(const CommandApdu& command)
 {
-    const Key* selected = std::exchange(m_selected, nullptr);
+    const auto selected = std::exchange(m_selected, std::nullopt);
     if (command.ins == generalAuthenticate) {
         const auto value = pace::unwrapped(command.data, 0x80);
         if (!selected || !value)
             return { {}, wrongData };
-        return agree(*selected, *value);
+        return agree(m_keys[*selected], *value);
     }
     const bool bringsKey = command.p2 == 0xA6;
     const auto protocol = findTlv(command.data, 0x80);
@@ -46,7 +46,7 @@ ResponseApdu ChipKeyAgreement::answer(const CommandApdu& command)
         return { {}, unknownReference };
     if (bringsKey)
         return agree(*key, terminalKey->value);
-    m_selected = &*key;
+    m_selected = static_cast<std::size_t>(key - m_keys.begin());
     return { {}, success };
 }
 

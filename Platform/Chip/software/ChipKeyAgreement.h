@@ -30,7 +30,7 @@ private:
     ResponseApdu agree(const Key& key, ByteView terminalKey);
 
     std::vector<Key> m_keys;
-    const Key* m_selected = nullptr;
+    std::optional<std::size_t> m_selected;
     std::optional<SessionKeys> m_session;
 };
 
