@@ -44,8 +44,8 @@ TEST(KeyAgreementGroup, ForeignElementsAreChecked)
     };
     Bytes outOfRange(65, 0xFF);
     outOfRange[0] = 4;
-    for (const Bytes& no : { Bytes {}, Bytes(1, 0), Bytes(65, 0), changed(0, 6), changed(0, 0), changed(64, 0),
-             outOfRange, standardizedGroup(12)->generator(), standardizedGroup(14)->generator(),
+    for (const Bytes& no : { Bytes {}, Bytes(1, 0), Bytes(65, 0), changed(0, 6), changed(0, 7), changed(0, 0),
+             changed(64, 0), outOfRange, standardizedGroup(12)->generator(), standardizedGroup(14)->generator(),
              joined({ hex("02"), ByteView(point).subspan(1, 32) }), joined({ point, hex("00") }) }) {
         EXPECT_FALSE(curve->element(no)) << toHex(no);
         EXPECT_FALSE(curve->power(no, Bytes(1, 2)));

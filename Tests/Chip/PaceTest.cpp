@@ -185,6 +185,16 @@ TEST(Pace, ForeignValuesThatWouldGiveTheKeysAwayAreRefused)
     }
 }
 
+TEST(Pace, AuthenticationDataAreNothingElse)
+{
+    const Bytes right = pace::wrapped(pace::chipKey, bytes("value"));
+    EXPECT_EQ(bytes(*pace::unwrapped(right, pace::chipKey)), bytes("value"));
+    EXPECT_FALSE(pace::unwrapped(right, pace::chipToken));
+    EXPECT_FALSE(pace::unwrapped(joined({ right, right }), pace::chipKey));
+    EXPECT_FALSE(pace::unwrapped(makeTlv(pace::chipKey, bytes("value")), pace::chipKey));
+    EXPECT_FALSE(pace::unwrapped(makeTlv(pace::authenticationData, hex("8403 0102")), pace::chipKey));
+}
+
 TEST(Pace, StatusWordsByStep)
 {
     struct Row

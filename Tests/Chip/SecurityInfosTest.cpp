@@ -37,9 +37,9 @@ TEST(SecurityInfos, EveryKindOfDataGroup14)
         securityInfos({
             securityInfo(smartcardIdentifier({ 3, 2, 4 }), { hex("020101"), hex("020105") }),
             securityInfo(smartcardIdentifier({ 3, 1, 1 }), { hex("020101") }),
-            securityInfo(smartcardIdentifier({ 1, 2 }), { explicitKey, hex("020105") }),
             securityInfo(smartcardIdentifier({ 1, 2 }),
                 { publicKeyInfo(standardizedAlgorithm(13), standardizedGroup(13)->generator()), hex("020106") }),
+            securityInfo(smartcardIdentifier({ 1, 2 }), { explicitKey, hex("020105") }),
             securityInfo(smartcardIdentifier({ 1, 1 }), { explicitKey }), // a curve is no prime field
             securityInfo(smartcardIdentifier({ 1, 2 }), { publicKeyInfo(standardizedAlgorithm(14), point) }),
             securityInfo(hex("678108010105"), { hex("020101"), hex("060A04007F00070101040104") }),
@@ -53,14 +53,15 @@ TEST(SecurityInfos, EveryKindOfDataGroup14)
     EXPECT_EQ(toHex(infos->chipAuthentication[0].keyId), "05");
     EXPECT_EQ(infos->chipAuthentication[1].agreement, Kind::DH);
     ASSERT_EQ(infos->chipAuthenticationKeys.size(), 2U) << "keys beside their curve are left out";
-    EXPECT_EQ(infos->chipAuthenticationKeys[0].key.element, point);
-    EXPECT_EQ(toHex(infos->chipAuthenticationKeys[1].keyId), "06");
+    EXPECT_EQ(infos->chipAuthenticationKeys[1].key.element, point);
+    EXPECT_EQ(toHex(infos->chipAuthenticationKeys[0].keyId), "06");
     ASSERT_TRUE(infos->activeAuthentication);
     EXPECT_EQ(infos->activeAuthentication->digest, DigestAlgorithm::SHA384);
     const auto choice = chooseChipAuthentication(*infos);
     ASSERT_TRUE(choice);
     EXPECT_EQ(choice->cipher, CipherAlgorithm::AES256);
     EXPECT_EQ(toHex(choice->keyId), "05");
+    EXPECT_EQ(choice->key.element, point);
     EXPECT_EQ(toHex(choice->identifier()), "04007F000702020302" + std::string("04"));
 
     // The same as content of a signed file.
