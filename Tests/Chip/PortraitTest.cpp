@@ -1,0 +1,86 @@
+#include "LdsSamples.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+namespace kelvara::chip {
+namespace {
+
+int difference(QRgb one, QRgb other)
+{
+    return std::max({ std::abs(qRed(one) - qRed(other)), std::abs(qGreen(one) - qGreen(other)),
+        std::abs(qBlue(one) - qBlue(other)) });
+}
+
+TEST(Portrait, BothKindsKeepColoursAndPlaces)
+{
+    const QImage in = cornersPicture();
+    for (const auto& [kind, quality] : { std::pair(ImageKind::Jpeg, 95), std::pair(ImageKind::Jpeg2000, 500) }) {
+        const auto encoded = encodePortrait(in, kind, quality);
+        ASSERT_TRUE(encoded);
+        EXPECT_EQ(imageKindOf(*encoded), kind);
+        EXPECT_EQ(imageSizeOf(*encoded), in.size());
+        const auto decoded = decodePortrait(*encoded);
+        const auto* out = std::get_if<QImage>(&decoded);
+        ASSERT_TRUE(out);
+        ASSERT_EQ(out->size(), in.size());
+        for (const QPoint at : { QPoint(4, 4), QPoint(55, 4), QPoint(4, 75), QPoint(55, 75) })
+            EXPECT_LT(difference(in.pixel(at), out->pixel(at)), 16) << at.x() << ',' << at.y();
+    }
+    EXPECT_FALSE(encodePortrait({}, ImageKind::Jpeg, 90));
+    EXPECT_FALSE(encodePortrait(in, ImageKind::Unknown, 90));
+}
+
+TEST(Portrait, ABareCodestreamIsRead)
+{
+    const Bytes file = *encodePortrait(cornersPicture(), ImageKind::Jpeg2000, 300);
+    const Bytes start = *fromHex("FF4FFF51");
+    const auto at = std::search(file.begin(), file.end(), start.begin(), start.end());
+    ASSERT_NE(at, file.end());
+    const Bytes codestream(at, file.end());
+    EXPECT_EQ(imageKindOf(codestream), ImageKind::Jpeg2000);
+    EXPECT_TRUE(std::holds_alternative<QImage>(decodePortrait(codestream)));
+}
+
+TEST(Portrait, AbsurdSizesAreRefusedBeforeTheDecoder)
+{
+    for (const ImageKind kind : { ImageKind::Jpeg, ImageKind::Jpeg2000 }) {
+        Bytes encoded = *encodePortrait(cornersPicture(64, 64), kind, 80);
+        const Bytes start = *fromHex(kind == ImageKind::Jpeg ? "FFC0" : "FF51");
+        const auto segment = std::search(encoded.begin(), encoded.end(), start.begin(), start.end());
+        ASSERT_NE(segment, encoded.end());
+        // Height and width of a frame header have two bytes each, of a size segment four each, width first.
+        const auto sizes = segment + (kind == ImageKind::Jpeg ? 5 : 6);
+        std::fill(sizes, sizes + 4, 0x7F);
+        EXPECT_EQ(std::get<PortraitProblem>(decodePortrait(encoded)),
+            kind == ImageKind::Jpeg ? PortraitProblem::TooLarge : PortraitProblem::Damaged);
+    }
+    Bytes wide = *encodePortrait(cornersPicture(kLongestPortraitSide + 1, 1), ImageKind::Jpeg, 80);
+    EXPECT_EQ(std::get<PortraitProblem>(decodePortrait(wide)), PortraitProblem::TooLarge);
+}
+
+TEST(Portrait, DamageIsAValue)
+{
+    EXPECT_EQ(std::get<PortraitProblem>(decodePortrait({})), PortraitProblem::UnknownKind);
+    EXPECT_EQ(std::get<PortraitProblem>(decodePortrait(bytes("GIF89a"))), PortraitProblem::UnknownKind);
+    std::mt19937 dice(7);
+    for (const ImageKind kind : { ImageKind::Jpeg, ImageKind::Jpeg2000 }) {
+        const Bytes whole = *encodePortrait(cornersPicture(), kind, kind == ImageKind::Jpeg ? 90 : 300);
+        for (std::size_t size = 0; size < 60; ++size)
+            EXPECT_TRUE(std::holds_alternative<PortraitProblem>(decodePortrait(bytes(first(whole, size))))) << size;
+        for (int i = 0; i < 60; ++i) {
+            Bytes flipped = whole;
+            for (int n = 0; n < 3; ++n)
+                flipped[dice() % flipped.size()] = static_cast<std::uint8_t>(dice());
+            const auto decoded = decodePortrait(flipped);
+            if (const auto* picture = std::get_if<QImage>(&decoded)) {
+                EXPECT_FALSE(picture->isNull());
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace kelvara::chip
