@@ -61,6 +61,26 @@ TEST(Portrait, AbsurdSizesAreRefusedBeforeTheDecoder)
     EXPECT_EQ(std::get<PortraitProblem>(decodePortrait(wide)), PortraitProblem::TooLarge);
 }
 
+TEST(Portrait, NoOtherReaderIsReached)
+{
+    // The head of a JPEG 2000 picture of 8 by 8 pixels, behind it a medical picture of the same size.
+    Bytes encoded = *fromHex("0000000C 6A502020 0D0A870A 00000000 6A703263"
+                             "FF4F FF51 0029 0000 00000008 00000008 00000000 00000000"
+                             "00000008 00000008 00000000 00000000 0001 07 01 01");
+    encoded.resize(128);
+    const Bytes medical = *fromHex("4449434d 0200 0000 554c 0400 1c000000 0200 1000 5549 1400"
+                                   "312e322e3834302e31303030382e312e322e3100 2800 0200 5553 0200 0300"
+                                   "2800 0400 4353 0400 52474220 2800 0600 5553 0200 0000 2800 1000 5553 0200 0800"
+                                   "2800 1100 5553 0200 0800 2800 0001 5553 0200 0800 2800 0101 5553 0200 0800"
+                                   "2800 0201 5553 0200 0700 2800 0301 5553 0200 0000 e07f 1000 4f57 0000 c0000000");
+    encoded.insert(encoded.end(), medical.begin(), medical.end());
+    encoded.resize(encoded.size() + 192, 77);
+    ASSERT_EQ(imageSizeOf(encoded), QSize(8, 8));
+    const auto decoded = decodePortrait(encoded);
+    ASSERT_TRUE(std::holds_alternative<PortraitProblem>(decoded));
+    EXPECT_EQ(std::get<PortraitProblem>(decoded), PortraitProblem::Damaged);
+}
+
 TEST(Portrait, DamageIsAValue)
 {
     EXPECT_EQ(std::get<PortraitProblem>(decodePortrait({})), PortraitProblem::UnknownKind);

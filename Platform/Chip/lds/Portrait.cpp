@@ -4,6 +4,7 @@
 #include <opencv2/imgcodecs.hpp>
 
 #include <algorithm>
+#include <array>
 #include <exception>
 
 namespace kelvara::chip {
@@ -17,6 +18,17 @@ void forget(cv::Mat& pixels)
         wipe(pixels.data, pixels.total() * pixels.elemSize());
 }
 
+/// OpenCV asks its readers in turn whether a picture is theirs, and that of medical pictures looks at byte 128 only:
+/// with its mark there, what begins as JPEG 2000 would go to a temporary file and a library that no chip's bytes should
+/// reach.
+bool isMeantForAnotherReader(ByteView encoded)
+{
+    constexpr std::array<std::uint8_t, 4> kMark { 'D', 'I', 'C', 'M' };
+    constexpr std::size_t kPlace = 128;
+    return encoded.size() >= kPlace + kMark.size()
+        && std::equal(kMark.begin(), kMark.end(), encoded.begin() + static_cast<std::ptrdiff_t>(kPlace));
+}
+
 } // namespace
 
 std::variant<QImage, PortraitProblem> decodePortrait(ByteView encoded)
@@ -24,7 +36,7 @@ try {
     if (imageKindOf(encoded) == ImageKind::Unknown)
         return PortraitProblem::UnknownKind;
     const auto size = imageSizeOf(encoded);
-    if (!size)
+    if (!size || isMeantForAnotherReader(encoded))
         return PortraitProblem::Damaged;
     if (std::max(size->width(), size->height()) > kLongestPortraitSide
         || qint64 { size->width() } * size->height() > kMostPortraitPixels)

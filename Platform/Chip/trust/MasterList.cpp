@@ -33,9 +33,12 @@ int forgiveExplicitParameters(int fine, X509_STORE_CTX* context)
     return fine == 1 || X509_STORE_CTX_get_error(context) == X509_V_ERR_EC_KEY_EXPLICIT_PARAMS;
 }
 
-/// Authorities also issue certificates for other purposes, such as signing master lists, and say so critically.
+/// Authorities sign no documents themselves, and they also issue certificates for other purposes, such as signing
+/// master lists, and say so critically.
 bool maySignDocuments(X509* certificate)
 {
+    if (X509_check_ca(certificate) != 0)
+        return false;
     const int at = X509_get_ext_by_NID(certificate, NID_ext_key_usage, -1);
     if (at >= 0 && X509_EXTENSION_get_critical(X509_get_ext(certificate, at)) != 0)
         return false;
