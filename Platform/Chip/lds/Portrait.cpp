@@ -18,8 +18,8 @@ void forget(cv::Mat& pixels)
         wipe(pixels.data, pixels.total() * pixels.elemSize());
 }
 
-/// OpenCV asks its readers in turn whether a picture is theirs, and that of medical pictures looks at byte 128 only:
-/// with its mark there, what begins as JPEG 2000 would go to a temporary file and a library that no chip's bytes should
+/// OpenCV asks its readers in turn whether a picture is theirs, and that of medical pictures looks at byte 128 only. With
+/// its mark there, what begins as JPEG 2000 would go to a temporary file and to a library that no chip's bytes should
 /// reach.
 bool isMeantForAnotherReader(ByteView encoded)
 {
@@ -59,10 +59,12 @@ try {
 
 std::optional<Bytes> encodePortrait(const QImage& picture, ImageKind kind, int quality)
 try {
-    QImage rgb = picture.convertToFormat(QImage::Format_BGR888);
-    if (rgb.isNull() || kind == ImageKind::Unknown)
+    const bool isGrey = picture.format() == QImage::Format_Grayscale8;
+    QImage plain = picture.convertToFormat(isGrey ? QImage::Format_Grayscale8 : QImage::Format_BGR888);
+    if (plain.isNull() || kind == ImageKind::Unknown)
         return std::nullopt;
-    const cv::Mat pixels(rgb.height(), rgb.width(), CV_8UC3, rgb.bits(), static_cast<std::size_t>(rgb.bytesPerLine()));
+    const cv::Mat pixels(plain.height(), plain.width(), isGrey ? CV_8UC1 : CV_8UC3, plain.bits(),
+        static_cast<std::size_t>(plain.bytesPerLine()));
     const bool isJpeg = kind == ImageKind::Jpeg;
     std::vector<uchar> encoded;
     const std::vector<int> parameters { isJpeg ? cv::IMWRITE_JPEG_QUALITY : cv::IMWRITE_JPEG2000_COMPRESSION_X1000,

@@ -65,7 +65,7 @@ std::optional<Bytes> makeDG2(const std::vector<FaceOptions>& faces)
         image.imageType = face.imageType;
         image.width = static_cast<std::uint16_t>(face.portrait.width());
         image.height = static_cast<std::uint16_t>(face.portrait.height());
-        image.colorSpace = 1;
+        image.colorSpace = face.portrait.format() == QImage::Format_Grayscale8 ? 3 : 1; // grey or RGB
         images.push_back(std::move(image));
     }
     return images.empty() ? std::nullopt : std::optional(makeDG2(images));
