@@ -127,6 +127,7 @@ INSTANTIATE_TEST_SUITE_P(Algorithms, SigningTest,
         Signing { "PssSha1", rsa(SigningKey::RsaPss, 1024, DigestAlgorithm::SHA1) },
         Signing { "PssSha256", rsa(SigningKey::RsaPss, 2048, DigestAlgorithm::SHA256) },
         Signing { "PssSha384", rsa(SigningKey::RsaPss, 1024, DigestAlgorithm::SHA384) },
+        Signing { "PssOnlySha256", rsa(SigningKey::RsaPssOnly, 1024, DigestAlgorithm::SHA256) },
         Signing { "PssSha512", rsa(SigningKey::RsaPss, 1536, DigestAlgorithm::SHA512) }),
     [](const auto& row) { return row.param.name; });
 
@@ -162,6 +163,20 @@ TEST(SecurityObject, RefusesListsThatCannotBe)
     EXPECT_EQ(toHex(readSecurity->content), "3100");
     EXPECT_EQ(readSecurity->signature, SignatureOutcome::Valid);
     EXPECT_FALSE(SecurityObject::parse(makeTlv(0x77, state().certificate())));
+}
+
+TEST(SecurityObject, AMessageOfAnotherKindCannotBeRelabelled)
+{
+    Bytes message = state().masterList();
+    ASSERT_EQ(SignedData::parse(message, SignedData::kMasterList)->signature, SignatureOutcome::Valid);
+    const Bytes label = *fromHex("06 06 67 81 08 01 01 02"); // of a master list, a byte from that of a security object
+    const auto at = std::search(message.begin(), message.end(), label.begin(), label.end());
+    ASSERT_NE(at, message.end());
+    at[7] = 0x01;
+    EXPECT_FALSE(SignedData::parse(message, SignedData::kMasterList));
+    const auto relabelled = SignedData::parse(message, SignedData::kLdsSecurityObject);
+    ASSERT_TRUE(relabelled);
+    EXPECT_EQ(relabelled->signature, SignatureOutcome::Invalid);
 }
 
 TEST(SecurityObject, DamageNeverPassesForSigned)

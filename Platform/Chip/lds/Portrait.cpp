@@ -18,9 +18,9 @@ void forget(cv::Mat& pixels)
         wipe(pixels.data, pixels.total() * pixels.elemSize());
 }
 
-/// OpenCV asks its readers in turn whether a picture is theirs, and that of medical pictures looks at byte 128 only. With
-/// its mark there, what begins as JPEG 2000 would go to a temporary file and to a library that no chip's bytes should
-/// reach.
+/// OpenCV asks its readers in turn whether a picture is theirs, and that of medical pictures looks at byte 128 only.
+/// With its mark there, what begins as JPEG 2000 would go to a temporary file and to a library that no chip's bytes
+/// should reach.
 bool isMeantForAnotherReader(ByteView encoded)
 {
     constexpr std::array<std::uint8_t, 4> kMark { 'D', 'I', 'C', 'M' };

@@ -23,9 +23,9 @@ constexpr qint64 kMostPortraitPixels = 16'000'000;
 [[nodiscard]] std::variant<QImage, PortraitProblem> decodePortrait(ByteView encoded);
 
 /// Encodes a picture for a chip: opaque, in grey where its format is Grayscale8. `quality` is JPEG's, 1 to 100, or for
-/// JPEG 2000 the share of the uncompressed size in thousandths; OpenCV writes the latter through a temporary file, while
-/// decoding never touches the disk. Absent for an empty picture, an unknown kind, or where the encoder fails (JPEG 2000
-/// below 32 pixels a side). Any thread.
+/// JPEG 2000 the share of the uncompressed size in thousandths; OpenCV writes the latter through a temporary file,
+/// while decoding never touches the disk. Absent for an empty picture, an unknown kind, or where the encoder fails
+/// (JPEG 2000 below 32 pixels a side). Any thread.
 [[nodiscard]] std::optional<Bytes> encodePortrait(const QImage& picture, ImageKind kind, int quality);
 
 } // namespace kelvara::chip

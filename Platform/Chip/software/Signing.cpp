@@ -42,8 +42,9 @@ int curveOf(SigningCurve curve)
 
 Key makeKey(const SigningOptions& options)
 {
-    const bool isRsa = options.key == SigningKey::Rsa || options.key == SigningKey::RsaPss;
-    const KeyContext context(EVP_PKEY_CTX_new_id(isRsa ? EVP_PKEY_RSA : EVP_PKEY_EC, nullptr));
+    const bool isRsa = options.key != SigningKey::NamedCurve && options.key != SigningKey::ExplicitCurve;
+    const int type = !isRsa ? EVP_PKEY_EC : options.key == SigningKey::RsaPssOnly ? EVP_PKEY_RSA_PSS : EVP_PKEY_RSA;
+    const KeyContext context(EVP_PKEY_CTX_new_id(type, nullptr));
     if (!context || EVP_PKEY_keygen_init(context.get()) != 1)
         return nullptr;
     if (isRsa) {
@@ -62,7 +63,7 @@ Key makeKey(const SigningOptions& options)
 
 bool choosePadding(EVP_PKEY_CTX* context, const SigningOptions& options)
 {
-    return options.key != SigningKey::RsaPss
+    return (options.key != SigningKey::RsaPss && options.key != SigningKey::RsaPssOnly)
         || (EVP_PKEY_CTX_set_rsa_padding(context, RSA_PKCS1_PSS_PADDING) == 1
             && EVP_PKEY_CTX_set_rsa_pss_saltlen(context, RSA_PSS_SALTLEN_DIGEST) == 1);
 }

@@ -16,7 +16,8 @@ enum class SigningKey {
     NamedCurve, ///< ECDSA, the curve by its name.
     ExplicitCurve, ///< ECDSA, the curve's parameters spelled out, as states have to.
     Rsa, ///< PKCS #1 version 1.5.
-    RsaPss,
+    RsaPss, ///< With a key for RSA of any kind, as most states have it.
+    RsaPssOnly, ///< With a key that says it serves this only.
 };
 
 enum class SigningCurve {
