@@ -1,0 +1,126 @@
+#include "Platform/Chip/lds/EncodedImage.h"
+
+#include <algorithm>
+#include <array>
+#include <climits>
+
+namespace kelvara::chip {
+
+namespace {
+
+constexpr std::array<std::uint8_t, 3> kJpeg { 0xFF, 0xD8, 0xFF };
+constexpr std::array<std::uint8_t, 12> kJp2 { 0x00, 0x00, 0x00, 0x0C, 0x6A, 0x50, 0x20, 0x20, 0x0D, 0x0A, 0x87, 0x0A };
+constexpr std::array<std::uint8_t, 4> kCodestream { 0xFF, 0x4F, 0xFF, 0x51 };
+constexpr std::uint32_t kCodestreamBox = 0x6A703263; // "jp2c"
+constexpr std::uint64_t kMostTiles = 4096;
+
+template<std::size_t n> bool startsWith(ByteView data, const std::array<std::uint8_t, n>& beginning)
+{
+    return data.size() >= n && std::equal(beginning.begin(), beginning.end(), data.begin());
+}
+
+std::uint32_t number(ByteView data, std::size_t at, std::size_t count)
+{
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        value = value << 8 | data[at + i];
+    return value;
+}
+
+std::optional<QSize> sizeOf(std::uint32_t width, std::uint32_t height)
+{
+    if (width == 0 || height == 0 || width > INT_MAX || height > INT_MAX)
+        return std::nullopt;
+    return QSize(static_cast<int>(width), static_cast<int>(height));
+}
+
+/// Of the first frame header (ITU-T T.81 §B.2.2).
+std::optional<QSize> jpegSize(ByteView data)
+{
+    std::size_t at = 2;
+    while (at + 4 <= data.size()) {
+        if (data[at] != 0xFF)
+            return std::nullopt;
+        const std::uint8_t marker = data[at + 1];
+        if (marker == 0xFF) { // fill byte
+            ++at;
+            continue;
+        }
+        const bool isFrame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+        const std::size_t length = number(data, at + 2, 2);
+        if (marker == 0xDA || marker == 0xD9 || length < 2 || length > data.size() - at - 2)
+            return std::nullopt;
+        if (isFrame)
+            return length < 8 ? std::nullopt : sizeOf(number(data, at + 7, 2), number(data, at + 5, 2));
+        at += 2 + length;
+    }
+    return std::nullopt;
+}
+
+/// Of the size segment that begins every codestream (ITU-T T.800 §A.5.1).
+std::optional<QSize> codestreamSize(ByteView data)
+{
+    constexpr std::size_t kSegment = 42;
+    if (!startsWith(data, kCodestream) || data.size() < kSegment)
+        return std::nullopt;
+    const std::uint64_t right = number(data, 8, 4), bottom = number(data, 12, 4);
+    const std::uint64_t left = number(data, 16, 4), top = number(data, 20, 4);
+    const std::uint64_t tileWidth = number(data, 24, 4), tileHeight = number(data, 28, 4);
+    const std::uint32_t components = number(data, 40, 2);
+    if (right <= left || bottom <= top || tileWidth == 0 || tileHeight == 0 || components == 0 || components > 4)
+        return std::nullopt;
+    const std::uint64_t across = (right - left) / tileWidth + 2, down = (bottom - top) / tileHeight + 2;
+    if (across > kMostTiles || down > kMostTiles || across * down > kMostTiles)
+        return std::nullopt;
+    return sizeOf(static_cast<std::uint32_t>(right - left), static_cast<std::uint32_t>(bottom - top));
+}
+
+/// Of the codestream in the boxes of a file (ITU-T T.800 §I.4).
+std::optional<QSize> jp2Size(ByteView data)
+{
+    while (data.size() >= 8) {
+        std::uint64_t length = number(data, 0, 4);
+        std::size_t head = 8;
+        if (length == 1 && data.size() >= 16) {
+            length = std::uint64_t { number(data, 8, 4) } << 32 | number(data, 12, 4);
+            head = 16;
+        }
+        if (length == 0)
+            length = data.size();
+        if (length < head || length > data.size())
+            return std::nullopt;
+        if (number(data, 4, 4) == kCodestreamBox)
+            return codestreamSize(data.subspan(head));
+        data = data.subspan(static_cast<std::size_t>(length));
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+EncodedImage EncodedImage::of(ByteView data)
+{
+    return { imageKindOf(data), bytes(data) };
+}
+
+ImageKind imageKindOf(ByteView data)
+{
+    if (startsWith(data, kJpeg))
+        return ImageKind::Jpeg;
+    return startsWith(data, kJp2) || startsWith(data, kCodestream) ? ImageKind::Jpeg2000 : ImageKind::Unknown;
+}
+
+std::optional<QSize> imageSizeOf(ByteView data)
+{
+    switch (imageKindOf(data)) {
+    case ImageKind::Jpeg:
+        return jpegSize(data);
+    case ImageKind::Jpeg2000:
+        return startsWith(data, kCodestream) ? codestreamSize(data) : jp2Size(data);
+    case ImageKind::Unknown:
+        break;
+    }
+    return std::nullopt;
+}
+
+} // namespace kelvara::chip
