@@ -28,8 +28,8 @@ QString cardTrouble(bool front, const QImage& shown, const PictureAnalysis& anal
             troubles << QStringLiteral("the machine-readable lines span less than four fifths of the cut-out: the card "
                                        "must come nearer");
         else
-            troubles << QStringLiteral("the machine-readable lines are seen, but a check digit does not hold or a "
-                                       "character is in doubt");
+            troubles << QStringLiteral("the machine-readable lines are seen, but a check digit does not hold, a "
+                                       "character is in doubt, or the card is upside down");
     }
     return troubles.isEmpty() ? QStringLiteral("all that is needed is seen at this moment, but not steadily")
                               : troubles.join(QStringLiteral(", and "));

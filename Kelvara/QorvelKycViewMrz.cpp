@@ -1,6 +1,7 @@
 #include "Kelvara/MrzPreprocessing.h"
 #include "Kelvara/QKMRZScanResult.h"
 #include "Kelvara/QorvelKycView_p.h"
+#include "Kelvara/ScanAreaMapping.h"
 #include "Kelvara/SdkModel.h"
 #include "Platform/Foundation/FatalError.h"
 #include "Platform/Imaging/CGImage.h"
@@ -42,14 +43,15 @@ void QorvelKycViewPrivate::handleMrzRequest(const VNRequest& request, const std:
     std::optional<QKMRZResult> result = mrz(*cut);
     if (!result || !result->allCheckDigitsValid)
         return;
-    // A reading without its picture is none: a view of no size shows nothing that could be cut out.
-    if (cutoutRect(*frameGeometry, *image).isEmpty())
-        return;
     onMainForThisSide([this, band, seenBy = frameGeometry, result = std::move(*result)] {
         const std::optional<QImage> frame = inputCGImage.load();
         const std::optional<CIImage> filterImage = inputCIImage.load();
         if (!frame || !filterImage)
             fatalError("An MRZ was read, yet there is no frame that it could have been read from.");
+        // A reading without its picture is none: a view of no size shows nothing that could be cut out, nor does one
+        // that was resized while the cut-out was hidden, until that is drawn anew.
+        if (!cropping(*frame, enlargedScanArea(cutoutRect(*seenBy, *frame))))
+            return;
         const auto scanResult
             = std::make_shared<QKMRZScanResult>(result, enlargedDocumentImage(*seenBy, *frame), services.imageAnalysis);
         didDetectMrzData(*filterImage, band, scanResult);

@@ -42,6 +42,9 @@ std::optional<QString> replayFileProblem(const QString& path)
     const QFileInfo info(path);
     if (!info.exists())
         return QStringLiteral("There is no file or folder \"%1\".").arg(path);
+    // To open a pipe is to wait for whoever writes into it.
+    if (!info.isFile() && !info.isDir())
+        return QStringLiteral("\"%1\" is neither a file nor a folder.").arg(path);
     if (!info.isReadable())
         return QStringLiteral("\"%1\" may not be read.").arg(path);
     return std::nullopt;
@@ -71,9 +74,11 @@ ReplaySource ReplaySource::path(const QString& path)
 {
     if (QFileInfo(path).isDir())
         return folder(path);
+    if (replayFileProblem(path))
+        return still(path);
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
-    if (reader.canRead() || replayFileProblem(path))
+    if (reader.canRead())
         return still(path);
     return video(path);
 }

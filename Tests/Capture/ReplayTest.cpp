@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <opencv2/core.hpp>
 #include <opencv2/videoio.hpp>
+#include <sys/stat.h>
 
 #include <atomic>
 
@@ -127,6 +128,8 @@ TEST_F(Replay, SaysWhatIsWrongWithASource)
     reader("no picture", ReplaySource::still(QImage()), "empty");
     reader("no function", ReplaySource::generator({}), "no generator");
     reader("missing", ReplaySource::path(path("missing.png")), "There is no file or folder");
+    ASSERT_EQ(mkfifo(qPrintable(path("pipe")), 0600), 0);
+    reader("pipe", ReplaySource::path(path("pipe")), "neither a file nor a folder");
     reader("missing video", ReplaySource::video(path("missing.mp4")), "There is no file or folder");
     reader("text", ReplaySource::path(path("text.txt")), "cannot be read as a picture or a video");
     reader("empty", ReplaySource::path(path("empty.png")), "cannot be read as a picture or a video");

@@ -11,6 +11,7 @@
 #include <QTransform>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 using namespace kelvara;
 
@@ -174,6 +175,8 @@ TEST_F(Cli, TellsForEachFileWhatIsWrongWithIt)
         "ZWdj/8AAFAgAEAAQBEMRAE0RAFkRAEsRAP/EABYAAQEBAAAAAAAAAAAAAAAAAAADBv/EABQQAQAAAAAAAAAAAAAAAAAAAAD/"
         "2gAOBEMATQBZAEsA"
         "AD8Ammm0gAAAD//Z");
+    const QString pipe = path("pipe.jpg"); // into which nobody ever writes
+    ASSERT_EQ(mkfifo(qPrintable(pipe), 0600), 0);
     struct Row
     {
         QString file;
@@ -184,6 +187,8 @@ TEST_F(Cli, TellsForEachFileWhatIsWrongWithIt)
         { folder.path(), 2 },
         { write("empty.jpg", QByteArray()), 2 },
         { write("noise.jpg", QByteArray(4000, 'x')), 2 },
+        { pipe, 2 },
+        { write("drawing.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='300' height='200'/>"), 2 },
         { write("cut.png", cut.left(cut.size() / 2)), 2 },
         { write("huge.pgm", QByteArray("P5 60000 60000 255\n")), 2 },
         { write("nothing.png", empty), 1 },
@@ -226,6 +231,7 @@ TEST_F(Cli, RefusesWrongUsageAndHelps)
         { { text("mrz"), text("--pretty=yes"), file }, "--pretty" },
         { { text("mrz"), file, text("--annotate") }, "--annotate" },
         { { text("mrz"), text("--annotate"), path("a.png"), file, file }, "one file" },
+        { { text("mrz"), text("--annotate"), file, file }, "write over" },
         { { text("mrz"), text("--annotate=/no/such/folder/a.png"), file }, "cannot be written" },
         { { text("mrz"), text("--ocr-model"), folder.path(), file }, "OCR model" },
     };

@@ -6,6 +6,9 @@
 #include "Tests/Support/KycHarness.h"
 #include "Tools/Specimen/Scene.h"
 
+#include <QDeadlineTimer>
+#include <QThread>
+
 #include <gtest/gtest.h>
 
 namespace kelvara::test {
@@ -165,6 +168,31 @@ TEST_F(MrzStep, TheViewMayGoWhileTheZoneIsRead)
     // A view without size shows nothing that could be cut out, whatever is read.
     stage->view->resize(0, 0);
     ASSERT_TRUE(analysed(2));
+}
+
+TEST_F(MrzStep, AViewThatShrankDuringAnotherStepHasNothingToCutOutAtFirst)
+{
+    const auto card = SpecimenData::fromSeed(5'000'007);
+    open(card);
+    stage->setSteps({ selfie });
+    stage->view->resize(60, 60);
+    settle();
+    specimen::SceneOptions scene;
+    scene.seed = card.seed;
+    scene.size = kFrame;
+    scene.subject = specimen::Subject::Back;
+    scene.fill = 0.97;
+    stage->device.back->setSource(ReplaySource::still(photograph(card, scene).image));
+    // Until the event loop runs, frames are seen through a cut-out that lies outside the view: as a whole.
+    stage->view->setViewTypes({ idPhoto });
+    const auto geometry = stage->d().geometry.load();
+    ASSERT_FALSE(QRectF(QPointF(), kFrame).intersects(scanAreaInFrame(*geometry->cutoutRect, *geometry, kFrame)));
+    const int before = lines->performed;
+    for (QDeadlineTimer limit(60'000); lines->performed < before + 3 && !limit.hasExpired();)
+        QThread::msleep(5);
+    ASSERT_GE(lines->performed, before + 3);
+    settle();
+    EXPECT_FALSE(accepted()) << "there would be no picture of the document";
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "Tools/Cli/CliOptions.h"
 
+#include <QFileInfo>
+
 namespace kelvara::cli {
 
 namespace {
@@ -9,7 +11,8 @@ constexpr auto kHelp = R"(Usage: kelvara COMMAND [options] FILE...
 Looks at pictures as Kelvara's view does and prints one JSON object for each.
 
 Commands:
-  mrz    reads the machine-readable zone of a card, passport page or visa, wherever it is in the picture
+  mrz    reads the machine-readable zone of a card, passport page or visa, wherever it is in the picture, if its
+         lines are level to ten degrees and not upside down
   card   finds a card's corners
   face   finds faces
 
@@ -102,6 +105,8 @@ std::variant<CliOptions, CliEnd> parseOptions(const QStringList& arguments)
         return wrong(QStringLiteral("A file is missing."));
     if (!options.annotated.isEmpty() && options.files.size() > 1)
         return wrong(QStringLiteral("--annotate takes one file only."));
+    if (!options.annotated.isEmpty() && QFileInfo(options.annotated) == QFileInfo(options.files.front()))
+        return wrong(QStringLiteral("--annotate would write over the picture itself."));
     return options;
 }
 

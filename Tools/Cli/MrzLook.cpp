@@ -2,6 +2,9 @@
 
 #include "Kelvara/FilterVendor.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace kelvara::cli {
 
 namespace {
@@ -92,6 +95,18 @@ void insertResult(QJsonObject& facts, const QKMRZResult& result)
     facts.insert(QStringLiteral("marks"), marks);
 }
 
+/// The band's corners moved apart, so that no line between them crosses a glyph.
+QPolygonF around(const MrzBand& band)
+{
+    const double away = 0.6 * band.pitch;
+    const QPointF along = band.corners[1] - band.corners[0];
+    const QPointF down = band.corners[3] - band.corners[0];
+    const QPointF right = along * (away / std::max(1.0, std::hypot(along.x(), along.y())));
+    const QPointF below = down * (away / std::max(1.0, std::hypot(down.x(), down.y())));
+    return { { band.corners[0] - right - below, band.corners[1] + right - below, band.corners[2] + right + below,
+        band.corners[3] - right + below } };
+}
+
 } // namespace
 
 MrzLook::MrzLook(const QString& modelFolder)
@@ -123,7 +138,7 @@ Finding MrzLook::at(const QImage& picture)
         for (const QPointF& corner : reading.band->corners)
             corners << corner;
         finding.facts.insert(QStringLiteral("corners"), cli::jsonOf(corners));
-        finding.outlines.push_back(corners);
+        finding.outlines.push_back(around(*reading.band));
     }
     QStringList text;
     for (const MrzLineReading& line : reading.text)

@@ -52,6 +52,8 @@ std::variant<QImage, Unreadable> readPicture(const QString& path)
         return Unreadable { QStringLiteral("There is no such file.") };
     if (file.isDir())
         return Unreadable { QStringLiteral("This is a folder.") };
+    if (!file.isFile()) // a pipe, say, which has no size and may never end
+        return Unreadable { QStringLiteral("This is no ordinary file.") };
     if (!file.isReadable())
         return Unreadable { QStringLiteral("The file may not be read.") };
     if (file.size() == 0)
@@ -60,6 +62,8 @@ std::variant<QImage, Unreadable> readPicture(const QString& path)
     QImageReader reader(path);
     reader.setAutoTransform(true);
     reader.setDecideFormatFromContent(true);
+    if (reader.format().startsWith("svg")) // which draws in whatever other files it names
+        return undecodable(QStringLiteral("a drawing in SVG is no photograph"));
     if (isTooLarge(reader.size()))
         return tooLarge(reader.size());
     try {

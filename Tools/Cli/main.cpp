@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QImageWriter>
 #include <QJsonDocument>
 
 #include <algorithm>
@@ -84,8 +85,9 @@ ExitCode treat(const QString& file, const CliOptions& options, Look& look)
         }
         if (finding.isBroken)
             complain(QStringLiteral("%1: %2").arg(file, finding.reason));
-        if (!options.annotated.isEmpty() && !annotated(upright, finding.outlines).save(options.annotated)) {
-            complain(QStringLiteral("%1 cannot be written.").arg(options.annotated));
+        if (QImageWriter writer(options.annotated);
+            !options.annotated.isEmpty() && !writer.write(annotated(upright, finding.outlines))) {
+            complain(QStringLiteral("%1 cannot be written: %2.").arg(options.annotated, writer.errorString()));
             code = Failed;
         }
     }
