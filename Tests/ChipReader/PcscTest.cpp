@@ -11,7 +11,9 @@
 #include <QTcpServer>
 #include <QTemporaryFile>
 
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <thread>
 #include <unistd.h>
 
@@ -66,6 +68,8 @@ protected:
         service = new QProcess;
         service->setProgram(program);
         service->setArguments({ QStringLiteral("-f"), QStringLiteral("-c"), configuration->fileName() });
+        // A test that dies must not leave it running: the next one's could not start.
+        service->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
         QElapsedTimer clock;
         clock.start();
         while (!PcscTerminal().isAvailable() && clock.elapsed() < 20'000) {

@@ -8,7 +8,6 @@
 #include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
-#include <utility>
 
 namespace kelvara::chip::software {
 
@@ -41,7 +40,7 @@ int connectedSocket(std::uint16_t port)
 
 } // namespace
 
-VirtualReaderCard::VirtualReaderCard(Card card, std::uint16_t port) : m_card(std::move(card)), m_port(port)
+VirtualReaderCard::VirtualReaderCard(Card card, std::uint16_t port) : m_card(std::move(card))
 {
     for (int attempt = 0; attempt < kAttempts && m_socket < 0; ++attempt) {
         if (attempt > 0)
@@ -52,40 +51,16 @@ VirtualReaderCard::VirtualReaderCard(Card card, std::uint16_t port) : m_card(std
         m_problem = "There is no virtual reader at port " + std::to_string(port) + ": " + std::strerror(errno) + '.';
         return;
     }
-    m_thread = std::thread([this] { run(); });
+    m_thread = std::thread([this] { serve(); });
 }
 
 VirtualReaderCard::~VirtualReaderCard()
 {
-    if (!m_thread.joinable())
+    if (m_socket < 0)
         return;
-    {
-        const std::lock_guard lock(m_mutex);
-        m_isLeaving = true;
-        if (m_socket >= 0)
-            ::shutdown(m_socket, SHUT_RDWR);
-    }
+    ::shutdown(m_socket, SHUT_RDWR);
     m_thread.join();
-}
-
-void VirtualReaderCard::run()
-{
-    // A reader that has not yet noticed that the last card left takes the next one and drops it again.
-    for (bool isHeld = true; isHeld;) {
-        serve();
-        std::unique_lock lock(m_mutex);
-        ::close(std::exchange(m_socket, -1));
-        if (m_isLeaving)
-            return;
-        lock.unlock();
-        std::this_thread::sleep_for(200ms);
-        const int again = connectedSocket(m_port);
-        lock.lock();
-        m_socket = again;
-        isHeld = again >= 0;
-        if (isHeld && m_isLeaving)
-            ::shutdown(m_socket, SHUT_RDWR);
-    }
+    ::close(m_socket);
 }
 
 void VirtualReaderCard::serve()

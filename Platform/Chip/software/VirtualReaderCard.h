@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <thread>
 
@@ -34,16 +33,12 @@ public:
     [[nodiscard]] const std::string& problem() const { return m_problem; }
 
 private:
-    void run();
     void serve();
     [[nodiscard]] bool receive(std::uint8_t* bytes, std::size_t size) const;
     [[nodiscard]] bool send(ByteView message) const;
 
     Card m_card;
-    std::uint16_t m_port;
-    std::mutex m_mutex; ///< Guards the socket's number and `m_isLeaving` between the two threads.
-    int m_socket = -1;
-    bool m_isLeaving = false;
+    int m_socket = -1; ///< The same from before the thread begins until it has ended.
     std::string m_problem;
     std::thread m_thread;
 };
