@@ -52,6 +52,8 @@ protected:
             QStringLiteral("pcscd"), { QStringLiteral("/usr/sbin"), QStringLiteral("/usr/bin") });
         if (program.isEmpty() || geteuid() != 0 || !QFile::exists(QLatin1String(kDriver)))
             return;
+        if (PcscTerminal().isServiceRunning())
+            return; // the machine's own is left alone
         // A port of its own: the usual one stays taken for a minute after an earlier service.
         QTcpServer free;
         ASSERT_TRUE(free.listen(QHostAddress::LocalHost));
@@ -91,7 +93,7 @@ protected:
     void SetUp() override
     {
         if (!service)
-            GTEST_SKIP() << "needs pcscd, vsmartcard-vpcd and root";
+            GTEST_SKIP() << "needs pcscd, vsmartcard-vpcd, root, and no other reader service";
         ASSERT_TRUE(PcscTerminal().isAvailable()) << "pcscd started, but there is no virtual reader";
     }
     static VirtualReaderCard::Card cardOf(ChipFiles& files, Bytes atr = kExtendedAtr)

@@ -45,6 +45,11 @@ bool PcscTerminal::isAvailable() const
     return chosenReader(PcscContext(), m_readerName).has_value();
 }
 
+bool PcscTerminal::isServiceRunning() const
+{
+    return !PcscContext().problem();
+}
+
 std::variant<std::unique_ptr<CardChannel>, TransportError> PcscTerminal::waitForCard(
     std::chrono::milliseconds timeout, const CancelToken& cancel)
 {

@@ -18,6 +18,8 @@ public:
     explicit PcscTerminal(std::string readerName = {});
 
     [[nodiscard]] bool isAvailable() const override;
+    /// Whether the PC/SC service answers, with or without a reader. Any thread.
+    [[nodiscard]] bool isServiceRunning() const;
     [[nodiscard]] std::variant<std::unique_ptr<CardChannel>, TransportError> waitForCard(
         std::chrono::milliseconds timeout, const CancelToken& cancel) override;
 
