@@ -6,7 +6,7 @@
 #include "Platform/Chip/lds/DataGroup16.h"
 #include "Platform/Chip/lds/DataGroup2.h"
 #include "Platform/Chip/lds/DataGroup7.h"
-#include "Platform/Chip/lds/EfCom.h"
+#include "Platform/Chip/lds/COM.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -35,7 +35,7 @@ void checkImage(const EncodedImage& image, std::size_t fileSize)
     require(!size || (size->width() > 0 && size->height() > 0));
 }
 
-void check(const EfCom& com, std::size_t)
+void check(const COM& com, std::size_t)
 {
     require(com.dataGroups.size() <= 16);
 }
@@ -104,7 +104,7 @@ template<typename Group> void parse(ByteView file)
 /// The first byte says what the rest is read as.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    constexpr void (*kParsers[])(ByteView) = { parse<EfCom>, parse<DataGroup1>, parse<DataGroup2>, parse<DataGroup7>,
+    constexpr void (*kParsers[])(ByteView) = { parse<COM>, parse<DataGroup1>, parse<DataGroup2>, parse<DataGroup7>,
         parse<DataGroup11>, parse<DataGroup12>, parse<DataGroup14>, parse<DataGroup15>, parse<DataGroup16> };
     if (size > 0)
         kParsers[data[0] % std::size(kParsers)]({ data + 1, size - 1 });

@@ -43,17 +43,17 @@ TEST(DataGroupId, EveryNameLeadsBack)
         << "each once, and data groups only";
 }
 
-TEST(EfCom, PublishedExample)
+TEST(COM, PublishedExample)
 {
-    const auto com = EfCom::parse(*fromHex("60 16 5F01 04 30313037 5F36 06 303430303030 5C 04 61 75 76 6C"));
+    const auto com = COM::parse(*fromHex("60 16 5F01 04 30313037 5F36 06 303430303030 5C 04 61 75 76 6C"));
     ASSERT_TRUE(com);
     EXPECT_EQ(com->ldsVersion, "1.7");
     EXPECT_EQ(com->unicodeVersion, "4.0.0");
     EXPECT_EQ(
         com->dataGroups, (std::vector { DataGroupId::DG1, DataGroupId::DG2, DataGroupId::DG4, DataGroupId::DG12 }));
     EXPECT_EQ(bytes(software::makeCom({ com->dataGroups, com->ldsVersion, com->unicodeVersion })), com->raw);
-    EXPECT_FALSE(EfCom::parse(*fromHex("60 07 5F01 04 30313037"))) << "no list of tags";
-    EXPECT_EQ(EfCom::parse(*fromHex("60 09 5F01 04 3031307F 5C 00"))->ldsVersion, "");
+    EXPECT_FALSE(COM::parse(*fromHex("60 07 5F01 04 30313037"))) << "no list of tags";
+    EXPECT_EQ(COM::parse(*fromHex("60 09 5F01 04 3031307F 5C 00"))->ldsVersion, "");
 }
 
 TEST(DataGroup1, FieldsOfEveryFormat)
@@ -229,7 +229,7 @@ bool isRead(DataGroupId id, ByteView file)
     };
     switch (id) {
     case DataGroupId::COM:
-        return check(EfCom::parse(file));
+        return check(COM::parse(file));
     case DataGroupId::DG1:
         return check(DataGroup1::parse(file));
     case DataGroupId::DG2:

@@ -5,7 +5,7 @@
 #include "Platform/Chip/lds/DataGroup12.h"
 #include "Platform/Chip/lds/DataGroup16.h"
 #include "Platform/Chip/lds/DataGroup2.h"
-#include "Platform/Chip/lds/EfCom.h"
+#include "Platform/Chip/lds/COM.h"
 
 #include <QImage>
 

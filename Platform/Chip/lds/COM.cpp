@@ -1,4 +1,4 @@
-#include "Platform/Chip/lds/EfCom.h"
+#include "Platform/Chip/lds/COM.h"
 
 #include "Platform/Chip/lds/LdsText.h"
 
@@ -27,7 +27,7 @@ std::string versionOf(ByteView content, Tag tag, std::size_t digits)
 
 } // namespace
 
-std::optional<EfCom> EfCom::parse(ByteView file)
+std::optional<COM> COM::parse(ByteView file)
 {
     const auto content = ldsContent(file, 0x60);
     if (!content)
@@ -35,7 +35,7 @@ std::optional<EfCom> EfCom::parse(ByteView file)
     const auto tags = findTlv(*content, 0x5C);
     if (!tags)
         return std::nullopt;
-    return EfCom { versionOf(*content, 0x5F01, 4), versionOf(*content, 0x5F36, 6), dataGroupsOfTags(tags->value),
+    return COM { versionOf(*content, 0x5F01, 4), versionOf(*content, 0x5F36, 6), dataGroupsOfTags(tags->value),
         bytes(file) };
 }
 
