@@ -13,6 +13,7 @@ PlatformServices PlatformServices::native()
         .imageAnalysis = VisionDetectors::native(),
         .nfc = nullptr,
         .userDefaults = UserDefaults::standard(),
+        .masterListURL = {},
     };
 }
 
