@@ -19,7 +19,8 @@ struct PlatformServices
     std::shared_ptr<NFCReaderSession> nfc; ///< Null: a device without a contactless reader.
     std::shared_ptr<UserDefaults> userDefaults; ///< Null: nothing is remembered.
 
-    /// The device's own: real cameras through Qt Multimedia, OpenCV detectors, stored user defaults.
+    /// The device's own: real cameras through Qt Multimedia, OpenCV detectors, its contactless reader where one is
+    /// connected or built in, stored user defaults.
     [[nodiscard]] static PlatformServices native();
 };
 
