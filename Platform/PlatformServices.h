@@ -24,7 +24,8 @@ struct PlatformServices
     /// certificates in PEM or DER. Empty: signers are not checked, and the model says so.
     QUrl masterListURL;
 
-    /// The device's own: real cameras through Qt Multimedia, OpenCV detectors, stored user defaults.
+    /// The device's own: real cameras through Qt Multimedia, OpenCV detectors, its contactless reader where one is
+    /// connected or built in, stored user defaults.
     [[nodiscard]] static PlatformServices native();
 };
 
