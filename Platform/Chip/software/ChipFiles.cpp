@@ -26,42 +26,30 @@ std::uint16_t number16(ByteView bytes)
 
 void ChipFiles::add(std::uint16_t fileId, Bytes content, bool inApplication)
 {
-    m_files[fileId] = { std::move(content), inApplication };
-}
-
-const Bytes* ChipFiles::file(std::uint16_t fileId) const
-{
-    const auto found = m_files.find(fileId);
-    return found == m_files.end() ? nullptr : &found->second.content;
-}
-
-bool ChipFiles::isReachable(std::uint16_t fileId) const
-{
-    const auto found = m_files.find(fileId);
-    return found != m_files.end() && found->second.inApplication == m_applicationSelected;
+    m_files[{ inApplication, fileId }] = std::move(content);
 }
 
 std::optional<std::uint16_t> ChipFiles::fileMeantBy(const CommandApdu& command) const
 {
     if (command.ins == 0xB0 && (command.p1 & 0x80)) {
         const std::uint8_t shortId = command.p1 & 0x1F;
-        for (const auto& [id, entry] : m_files) {
-            if ((id & 0x1F) == shortId && entry.inApplication == m_applicationSelected)
-                return id;
+        for (const auto& [place, content] : m_files) {
+            if (place.first == m_applicationSelected && (place.second & 0x1F) == shortId)
+                return place.second;
         }
         return std::nullopt;
     }
     return m_selected;
 }
 
-std::optional<ResponseApdu> ChipFiles::answer(const CommandApdu& command)
+std::optional<ResponseApdu> ChipFiles::answer(const CommandApdu& command, std::uint32_t room)
 {
     switch (command.ins) {
     case 0xA4:
         return select(command);
     case 0xB0:
     case 0xB1:
-        return read(command);
+        return read(command, room);
     default:
         return std::nullopt;
     }
@@ -90,13 +78,13 @@ ResponseApdu ChipFiles::select(const CommandApdu& command)
     if (!byFileId)
         return status(0x6A86);
     const std::uint16_t fileId = number16(command.data);
-    if (!isReachable(fileId))
+    if (!m_files.contains({ m_applicationSelected, fileId }))
         return status(0x6A82);
     m_selected = fileId;
     return status(0x9000);
 }
 
-ResponseApdu ChipFiles::read(const CommandApdu& command)
+ResponseApdu ChipFiles::read(const CommandApdu& command, std::uint32_t room)
 {
     const std::uint32_t wanted = command.le.value_or(0);
     if (command.ins == 0xB1) {
@@ -109,7 +97,7 @@ ResponseApdu ChipFiles::read(const CommandApdu& command)
         std::size_t offset = 0;
         for (const std::uint8_t byte : offsetObject->value)
             offset = offset << 8 | byte;
-        return part(m_files.at(*m_selected).content, offset, wanted, true);
+        return part(*m_selected, offset, wanted, room, true);
     }
     if (!command.le)
         return status(0x6700);
@@ -120,32 +108,35 @@ ResponseApdu ChipFiles::read(const CommandApdu& command)
         if (!fileId)
             return status(0x6A82);
         m_selected = fileId;
-        return part(m_files.at(*fileId).content, command.p2, wanted, false);
+        return part(*fileId, command.p2, wanted, room, false);
     }
     if (!m_selected)
         return status(0x6986);
-    return part(m_files.at(*m_selected).content, static_cast<std::size_t>(command.p1 << 8 | command.p2), wanted, false);
+    return part(*m_selected, static_cast<std::size_t>(command.p1 << 8 | command.p2), wanted, room, false);
 }
 
-ResponseApdu ChipFiles::part(const Bytes& content, std::size_t offset, std::uint32_t wanted, bool wrapped) const
+ResponseApdu ChipFiles::part(
+    std::uint16_t fileId, std::size_t offset, std::uint32_t wanted, std::uint32_t room, bool wrapped) const
 {
+    const Bytes& content = m_files.at({ m_applicationSelected, fileId });
+    const std::uint32_t longest = std::min(m_manners.longestAnswer, room);
     if (offset > content.size())
         return status(0x6B00);
-    if (wanted > m_manners.longestAnswer) {
+    if (wanted > longest) {
         if (m_manners.tooLongAnswer == 0x6C00)
-            return status(static_cast<std::uint16_t>(0x6C00 | (m_manners.longestAnswer & 0xFF)));
+            return status(static_cast<std::uint16_t>(0x6C00 | (longest & 0xFF)));
         if (m_manners.tooLongAnswer != 0x9000)
             return status(m_manners.tooLongAnswer);
-        wanted = m_manners.longestAnswer;
+        wanted = longest;
     }
     // The odd instruction's answer lies in a data object, whose head counts towards what was asked for.
     const std::uint32_t head = !wrapped ? 0 : wanted > 0x102 ? 4 : wanted > 0x81 ? 3 : 2;
-    const std::size_t room = wanted > head ? wanted - head : 0;
+    const std::size_t asked = wanted > head ? wanted - head : 0;
     const std::size_t rest = content.size() - offset;
-    const bool overEnd = room > rest;
+    const bool overEnd = asked > rest;
     if (overEnd && m_manners.endOfFileAnswer == 0x6B00)
         return status(0x6B00);
-    const ByteView found = ByteView(content).subspan(offset, std::min(room, rest));
+    const ByteView found = ByteView(content).subspan(offset, std::min(asked, rest));
     return { wrapped ? makeTlv(0x53, found) : bytes(found),
         overEnd ? m_manners.endOfFileAnswer : std::uint16_t { 0x9000 } };
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace kelvara::chip::software {
 
@@ -28,36 +29,33 @@ class ChipFiles
 public:
     explicit ChipFiles(ReadingManners manners = {}) : m_manners(manners) { }
 
-    /// A file of the master file (EF.CardAccess …) or of the LDS application.
+    /// A file of the master file (EF.CardAccess …) or of the LDS application. The same identifier may name one of each.
     void add(std::uint16_t fileId, Bytes content, bool inApplication);
-    [[nodiscard]] const Bytes* file(std::uint16_t fileId) const;
 
-    /// The file that a command would read: by its short identifier or the selected one.
+    /// The file that a command would read: by its short identifier or the selected one. It lies where
+    /// `isApplicationSelected` says.
     [[nodiscard]] std::optional<std::uint16_t> fileMeantBy(const CommandApdu& command) const;
     [[nodiscard]] bool isApplicationSelected() const { return m_applicationSelected; }
 
-    /// Answers SELECT and READ BINARY; absent for other commands.
-    [[nodiscard]] std::optional<ResponseApdu> answer(const CommandApdu& command);
+    /// Answers SELECT and READ BINARY; absent for other commands. `room`: the most data that fit into the answer.
+    [[nodiscard]] std::optional<ResponseApdu> answer(const CommandApdu& command, std::uint32_t room = 65536);
 
     /// As after power-on: the master file is selected.
     void reset();
 
 private:
-    struct Entry
-    {
-        Bytes content;
-        bool inApplication = true;
-    };
+    /// Whether it lies in the application, and its identifier there.
+    using Place = std::pair<bool, std::uint16_t>;
 
     [[nodiscard]] ResponseApdu select(const CommandApdu& command);
-    [[nodiscard]] ResponseApdu read(const CommandApdu& command);
-    [[nodiscard]] ResponseApdu part(const Bytes& content, std::size_t offset, std::uint32_t wanted, bool wrapped) const;
-    [[nodiscard]] bool isReachable(std::uint16_t fileId) const;
+    [[nodiscard]] ResponseApdu read(const CommandApdu& command, std::uint32_t room);
+    [[nodiscard]] ResponseApdu part(
+        std::uint16_t fileId, std::size_t offset, std::uint32_t wanted, std::uint32_t room, bool wrapped) const;
 
     ReadingManners m_manners;
-    std::map<std::uint16_t, Entry> m_files;
+    std::map<Place, Bytes> m_files;
     bool m_applicationSelected = false;
-    std::optional<std::uint16_t> m_selected;
+    std::optional<std::uint16_t> m_selected; ///< Where the selected directory is.
 };
 
 } // namespace kelvara::chip::software

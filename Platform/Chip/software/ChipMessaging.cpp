@@ -48,4 +48,12 @@ ResponseApdu ChipMessaging::protect(const ResponseApdu& response)
     return { joined({ objects, makeTlv(protection::checksum, m_keys.checksum({}, objects)) }), response.sw };
 }
 
+std::size_t ChipMessaging::greatestShortResponse() const
+{
+    constexpr std::size_t longest = 256, statusObject = 4, checksumObject = 10;
+    constexpr std::size_t cryptogramHead = 4; // tag, two bytes of length, padding indicator
+    const std::size_t block = blockSize(m_keys.cipher);
+    return (longest - statusObject - checksumObject - cryptogramHead) / block * block - 1; // one byte is padding
+}
+
 } // namespace kelvara::chip

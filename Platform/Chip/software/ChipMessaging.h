@@ -18,6 +18,9 @@ public:
     /// The answer to the command that was unprotected last.
     [[nodiscard]] ResponseApdu protect(const ResponseApdu& response);
 
+    /// The most data bytes whose protected answer still fits into 256 bytes.
+    [[nodiscard]] std::size_t greatestShortResponse() const;
+
     [[nodiscard]] bool isOver() const { return m_isOver; }
 
 private:

@@ -29,7 +29,8 @@ public:
     /// Whether a reader is there. Quick; any thread.
     [[nodiscard]] virtual bool isAvailable() const = 0;
 
-    /// Waits until a card is in the field and opens the way to it. Looks at the token several times a second.
+    /// Waits until a card is in the field and opens the way to it. Looks at the token several times a second. The token
+    /// outlives the channel, which may look at it too while a command takes long.
     [[nodiscard]] virtual std::variant<std::unique_ptr<CardChannel>, TransportError> waitForCard(
         std::chrono::milliseconds timeout, const CancelToken& cancel)
         = 0;
