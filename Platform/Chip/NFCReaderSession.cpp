@@ -1,16 +1,13 @@
 #include "Platform/Chip/NFCReaderSession.h"
 
+#include "Platform/Chip/ChipLog.h"
 #include "Platform/Chip/transport/DeviceTerminal.h"
-
-#include <QLoggingCategory>
 
 #include <utility>
 
 namespace kelvara {
 
 namespace {
-
-Q_LOGGING_CATEGORY(chipLog, "kelvara.chip")
 
 class TerminalSession : public NFCReaderSession
 {

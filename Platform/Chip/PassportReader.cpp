@@ -58,7 +58,7 @@ struct PassportReader::State
     std::shared_ptr<chip::CardTerminal> terminal;
     chip::Patience patience;
     QPointer<QWidget> sheetParent;
-    QPointer<ReaderSheet> sheet;
+    QPointer<chip::ReaderSheet> sheet;
     std::shared_ptr<chip::CancelToken> cancel;
     quint64 readNumber = 0;
 
@@ -135,8 +135,8 @@ void PassportReader::State::openSheet(const std::shared_ptr<chip::CancelToken>& 
         sheet->dismiss();
     if (!sheetParent)
         return;
-    sheet = new ReaderSheet(sheetParent);
-    QObject::connect(sheet, &ReaderSheet::cancelled, sheet, [token] { token->cancel(); });
+    sheet = new chip::ReaderSheet(sheetParent);
+    QObject::connect(sheet, &chip::ReaderSheet::cancelled, sheet, [token] { token->cancel(); });
     sheet->present();
 }
 
@@ -193,7 +193,7 @@ void PassportReader::State::display(const Job& job, const NFCViewDisplayMessage&
         text = job.displayMessage(message);
     MainQueue::async(life.token(), [this, number = job.number, message, text = text.value_or(message.text())] {
         if (sheet && number == readNumber)
-            sheet->show(message, text);
+            sheet->display(message, text);
     });
 }
 
