@@ -72,9 +72,9 @@ protected:
     [[nodiscard]] bool sheetSays(const QString& words) const
     {
         const auto labels = sheet() ? sheet()->findChildren<QLabel*>() : QList<QLabel*>();
-        return std::any_of(labels.begin(), labels.end(),
-                   [&words](const QLabel* label) { return label->text().contains(words); })
-            || (sheet() && sheet()->accessibleDescription().contains(words));
+        return std::any_of(labels.begin(), labels.end(), [&words](const QLabel* label) {
+            return label->text().contains(words);
+        }) || (sheet() && sheet()->accessibleDescription().contains(words));
     }
     /// Waits for the read to end without anybody being told.
     [[nodiscard]] bool ended() const
@@ -252,7 +252,8 @@ TEST(NfcProgress, IsFiveCircles)
         int filled;
     } rows[] = { { -19, 0 }, { 0, 0 }, { 19, 0 }, { 20, 1 }, { 39, 1 }, { 40, 2 }, { 99, 4 }, { 100, 5 }, { 119, 5 } };
     for (const auto& row : rows)
-        EXPECT_EQ(QorvelKycViewPrivate::handleProgress(row.percent), full.repeated(row.filled) + empty.repeated(5 - row.filled))
+        EXPECT_EQ(QorvelKycViewPrivate::handleProgress(row.percent),
+            full.repeated(row.filled) + empty.repeated(5 - row.filled))
             << row.percent;
     EXPECT_DEATH((void)QorvelKycViewPrivate::handleProgress(120), "negative number");
 }
