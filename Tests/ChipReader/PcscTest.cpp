@@ -4,6 +4,7 @@
 #include "Platform/Chip/software/VirtualReaderCard.h"
 #include "Platform/Chip/transport/AnswerToReset.h"
 #include "Platform/Chip/transport/PcscTerminal.h"
+#include "Tests/Chip/ChipDriver.h"
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -137,6 +138,28 @@ TEST_F(Pcsc, ReadsAFileThroughTheService)
         }
         EXPECT_EQ(reading.content(), content);
     }
+}
+
+TEST_F(Pcsc, AWholeChipInSoftwareLiesOnTheMachinesReader)
+{
+    const auto chip = chipOf(quickProfile());
+    ASSERT_TRUE(chip);
+    const VirtualReaderCard card(software::virtualReaderCard(chip), port);
+    ASSERT_TRUE(card.problem().empty()) << card.problem();
+    auto opened = PcscTerminal().waitForCard(10s, cancel);
+    ASSERT_TRUE(std::holds_alternative<std::unique_ptr<CardChannel>>(opened))
+        << std::get<TransportError>(opened).detail;
+    CardChannel& channel = *std::get<std::unique_ptr<CardChannel>>(opened);
+    const auto transmit = [&](ByteView command) {
+        auto answer = channel.transmit(command);
+        EXPECT_TRUE(std::holds_alternative<Bytes>(answer)) << std::get<TransportError>(answer).detail;
+        return std::holds_alternative<Bytes>(answer) ? std::get<Bytes>(answer) : Bytes();
+    };
+    ChipDriver driver(transmit, chip->mrzKey(), channel.passesExtendedLength());
+    ASSERT_TRUE(driver.openByPace());
+    ASSERT_EQ(driver.selectApplication(), 0x9000);
+    EXPECT_EQ(driver.read(DataGroupId::DG2), chip->files().at(DataGroupId::DG2));
+    EXPECT_TRUE(driver.authenticateChip());
 }
 
 TEST_F(Pcsc, TellsACardThatLeftFromOneThatNeverCame)
