@@ -1,3 +1,4 @@
+#include "Platform/Chip/lds/COM.h"
 #include "Platform/Chip/lds/DataGroup1.h"
 #include "Platform/Chip/lds/DataGroup11.h"
 #include "Platform/Chip/lds/DataGroup12.h"
@@ -6,7 +7,6 @@
 #include "Platform/Chip/lds/DataGroup16.h"
 #include "Platform/Chip/lds/DataGroup2.h"
 #include "Platform/Chip/lds/DataGroup7.h"
-#include "Platform/Chip/lds/COM.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -3,7 +3,7 @@
 #include "Kelvara/FilterVendor.h"
 #include "Kelvara/ImageCatalog.h"
 #include "Kelvara/QorvelKycView_p.h"
-#include "Platform/Chip/NFCReaderSession.h"
+#include "Platform/Chip/PassportReader.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -41,13 +41,14 @@ QorvelKycViewPrivate::~QorvelKycViewPrivate()
     captureSession->stopRunning();
     videoDataOutput->setSampleBufferDelegate(nullptr, nullptr);
     videoQueue.drain();
+    idCardReader.reset();
     life.end();
 }
 
 void QorvelKycViewPrivate::initialize()
 {
     FilterVendor::registerFilters();
-    hasNfc = services.nfc && services.nfc->readingAvailable();
+    setupReader();
     setupAndStartCaptureSession();
     setViewStyle();
     initiateScreen();

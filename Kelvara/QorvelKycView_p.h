@@ -37,6 +37,9 @@
 
 namespace kelvara {
 
+class PassportReader;
+struct IDCardModel;
+
 /// The view behind `QorvelKycView`: every stored member and the operations on them, spread over one file a purpose.
 ///
 /// Two threads meet here. The main thread owns all of it but the members under "Shared" and "videoQueue only".
@@ -158,7 +161,13 @@ public:
     void commitBack();
 
     // Chip: QorvelKycViewNfc.cpp
+    void setupReader();
     void nfcReadInput();
+    void readCard(const std::optional<IDCardModel>& model);
+    /// Five circles, as many of them filled as there are whole fifths in the percentage. Fatal from 120 on. Any thread.
+    [[nodiscard]] static QString handleProgress(int percentualProgress);
+    void setIDCard(const std::shared_ptr<IDCardUtil>& holder);
+    void callResultScreen(const std::shared_ptr<IDCardUtil>& holder);
 
     QorvelKycView* const q;
     const PlatformServices services;
@@ -234,6 +243,10 @@ public:
     std::shared_ptr<VNDetectRectanglesRequest> lazyRectanglesRequest;
     TesseractEngine tesseract { QStringLiteral("ocrb"), ocrbModelFolder(), TesseractEngineMode::TesseractOnly };
     QKMRZParser mrzParser { true };
+
+    /// Lives as long as the view. Its thread is the third one that meets here: what it calls only builds texts and
+    /// queues blocks for the main thread.
+    std::unique_ptr<PassportReader> idCardReader;
 
     LifeToken life;
 };

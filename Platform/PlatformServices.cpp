@@ -1,6 +1,7 @@
 #include "Platform/PlatformServices.h"
 
 #include "Platform/Capture/QtCameraProvider.h"
+#include "Platform/Chip/NFCReaderSession.h"
 #include "Platform/Foundation/UserDefaults.h"
 #include "Platform/Vision/VisionDetectors.h"
 
@@ -11,8 +12,9 @@ PlatformServices PlatformServices::native()
     return {
         .cameras = QtCameraProvider::shared(),
         .imageAnalysis = VisionDetectors::native(),
-        .nfc = nullptr,
+        .nfc = NFCReaderSession::native(),
         .userDefaults = UserDefaults::standard(),
+        .masterListURL = {},
     };
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QUrl>
+
 #include <memory>
 
 namespace kelvara {
@@ -18,8 +20,12 @@ struct PlatformServices
     std::shared_ptr<const VisionDetectors> imageAnalysis; ///< Null: nothing is ever found.
     std::shared_ptr<NFCReaderSession> nfc; ///< Null: a device without a contactless reader.
     std::shared_ptr<UserDefaults> userDefaults; ///< Null: nothing is remembered.
+    /// A local file with the authorities that a chip's signer must have been certified by: a state's master list, or
+    /// certificates in PEM or DER. Empty: signers are not checked, and the model says so.
+    QUrl masterListURL;
 
-    /// The device's own: real cameras through Qt Multimedia, OpenCV detectors, stored user defaults.
+    /// The device's own: real cameras through Qt Multimedia, OpenCV detectors, its contactless reader where one is
+    /// connected or built in, stored user defaults.
     [[nodiscard]] static PlatformServices native();
 };
 

@@ -20,7 +20,7 @@ struct NFCViewDisplayMessage
     /// 0 to 100: of the whole read, by bytes. Never falls within a read, not even when the card was lost.
     int progress = 0;
     bool isCardLost = false; ///< The card was there already and is asked for again.
-    std::optional<NFCPassportReaderError> failure;
+    std::optional<NFCPassportReaderError> failure = std::nullopt;
 
     /// The library's own Turkish text.
     [[nodiscard]] QString text() const;

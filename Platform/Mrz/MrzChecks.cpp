@@ -1,8 +1,8 @@
 #include "Platform/Mrz/MrzChecks.h"
 
+#include "Platform/Foundation/MrzDates.h"
 #include "Platform/Mrz/MrzAlphabet.h"
 #include "Platform/Mrz/MrzCheckDigit.h"
-#include "Platform/Mrz/MrzDates.h"
 
 namespace kelvara {
 

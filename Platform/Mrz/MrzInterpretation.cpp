@@ -1,7 +1,7 @@
 #include "Platform/Mrz/MrzInterpretation.h"
 
+#include "Platform/Foundation/MrzDates.h"
 #include "Platform/Mrz/MrzChecks.h"
-#include "Platform/Mrz/MrzDates.h"
 #include "Platform/Mrz/MrzDoubt.h"
 #include "Platform/Mrz/MrzFit.h"
 #include "Platform/Mrz/MrzNames.h"

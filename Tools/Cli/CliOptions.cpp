@@ -8,13 +8,15 @@ namespace {
 
 constexpr auto kHelp = R"(Usage: kelvara COMMAND [options] FILE...
 
-Looks at pictures as Kelvara's view does and prints one JSON object for each.
+Looks at pictures as Kelvara's view does and prints one JSON object for each; reads chips.
 
 Commands:
   mrz    reads the machine-readable zone of a card, passport page or visa, wherever it is in the picture, if its
          lines are level to ten degrees and not upside down
   card   finds a card's corners
   face   finds faces
+  chip   reads an identity document's chip on a contactless reader, or one that software plays; it has options of its
+         own: kelvara chip --help
 
 Options:
   --pretty            indent the JSON instead of one line for each picture

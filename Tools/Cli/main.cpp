@@ -1,8 +1,9 @@
-// The command line's `kelvara`: pictures in, JSON out.
+// The command line's `kelvara`: pictures or chips in, JSON out.
 
 #include "Kelvara/OcrbModel.h"
 #include "Tools/Cli/Annotation.h"
 #include "Tools/Cli/CardLook.h"
+#include "Tools/Cli/ChipCommand.h"
 #include "Tools/Cli/CliOptions.h"
 #include "Tools/Cli/FaceLook.h"
 #include "Tools/Cli/MrzLook.h"
@@ -108,6 +109,8 @@ ExitCode treat(const QString& file, const CliOptions& options, Look& look)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
+    if (argc > 1 && QByteArray(argv[1]) == "chip")
+        return runChipCommand(QCoreApplication::arguments().mid(2));
     const auto parsed = parseOptions(QCoreApplication::arguments().mid(1));
     if (const auto* end = std::get_if<CliEnd>(&parsed)) {
         std::fputs(qUtf8Printable(end->text), end->exitCode == 0 ? stdout : stderr);

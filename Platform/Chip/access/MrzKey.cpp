@@ -44,13 +44,18 @@ bool isChecked(std::string_view field)
 std::optional<MrzKey> MrzKey::fromText(std::string_view text)
 {
     constexpr std::size_t dates = 2 * (dateSize + 1);
-    if (text.size() < leastNumberSize + 1 + dates || text.size() > greatestNumberSize + 1 + dates)
+    if (text.size() < 2 + dates || text.size() > greatestNumberSize + 1 + dates)
         return std::nullopt;
     const std::size_t number = text.size() - dates;
     if (!isChecked(text.substr(0, number)) || !isChecked(text.substr(number, dateSize + 1))
         || !isChecked(text.substr(number + dateSize + 1)))
         return std::nullopt;
-    return MrzKey(digest(DigestAlgorithm::SHA1, bytes(text)));
+    // Fillers weigh nothing, so that the check digit of a number that was not filled up is the right one.
+    const std::size_t fillers = number - 1 < leastNumberSize ? leastNumberSize - (number - 1) : 0;
+    const Bytes whole = bytes(text);
+    const ByteView view(whole);
+    return MrzKey(digest(
+        DigestAlgorithm::SHA1, joined({ view.first(number - 1), Bytes(fillers, '<'), view.subspan(number - 1) })));
 }
 
 std::optional<MrzKey> MrzKey::fromFields(
@@ -59,8 +64,7 @@ std::optional<MrzKey> MrzKey::fromFields(
     if (birthDate.size() != dateSize || expiryDate.size() != dateSize || documentNumber.empty()
         || documentNumber.size() > greatestNumberSize)
         return std::nullopt;
-    const std::size_t filler = documentNumber.size() < leastNumberSize ? leastNumberSize - documentNumber.size() : 0;
-    Bytes text = joined({ bytes(documentNumber), Bytes(filler, '<') });
+    Bytes text = bytes(documentNumber);
     const auto view = [](const Bytes& characters) {
         return std::string_view(reinterpret_cast<const char*>(characters.data()), characters.size());
     };

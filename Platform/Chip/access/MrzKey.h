@@ -11,9 +11,9 @@ namespace kelvara::chip {
 class MrzKey
 {
 public:
-    /// From the key text: document number (at least nine characters, filled with '<') and its check digit, birth date
-    /// and its check digit, expiry date and its check digit. Absent when a character or a check digit cannot be: such a
-    /// key opens nothing, and asking a chip would only cost the person time.
+    /// From the key text: document number and its check digit, birth date and its check digit, expiry date and its
+    /// check digit. Numbers of fewer than nine characters are filled up. Absent when a character or a check digit
+    /// cannot be: such a key opens nothing, and asking a chip would only cost the person time.
     [[nodiscard]] static std::optional<MrzKey> fromText(std::string_view text);
     /// From the fields without check digits; shorter document numbers are filled up.
     [[nodiscard]] static std::optional<MrzKey> fromFields(

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "Platform/Chip/lds/COM.h"
 #include "Platform/Chip/lds/DataGroup1.h"
 #include "Platform/Chip/lds/DataGroup11.h"
 #include "Platform/Chip/lds/DataGroup12.h"
 #include "Platform/Chip/lds/DataGroup16.h"
 #include "Platform/Chip/lds/DataGroup2.h"
-#include "Platform/Chip/lds/COM.h"
 
 #include <QImage>
 

@@ -50,6 +50,14 @@ bool PcscTerminal::isServiceRunning() const
     return !PcscContext().problem();
 }
 
+std::string PcscTerminal::whyUnavailable() const
+{
+    if (const PcscContext context; context.problem())
+        return "the PC/SC service cannot be reached (" + context.problem()->detail
+            + "). Is pcscd installed and running?";
+    return "no contactless reader is connected.";
+}
+
 std::variant<std::unique_ptr<CardChannel>, TransportError> PcscTerminal::waitForCard(
     std::chrono::milliseconds timeout, const CancelToken& cancel)
 {

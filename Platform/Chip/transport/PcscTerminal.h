@@ -20,6 +20,8 @@ public:
     [[nodiscard]] bool isAvailable() const override;
     /// Whether the PC/SC service answers, with or without a reader. Any thread.
     [[nodiscard]] bool isServiceRunning() const;
+    /// Why no card can be read right now and what would help, in a sentence for the log. Any thread.
+    [[nodiscard]] std::string whyUnavailable() const;
     [[nodiscard]] std::variant<std::unique_ptr<CardChannel>, TransportError> waitForCard(
         std::chrono::milliseconds timeout, const CancelToken& cancel) override;
 

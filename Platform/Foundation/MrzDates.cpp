@@ -1,4 +1,4 @@
-#include "Platform/Mrz/MrzDates.h"
+#include "Platform/Foundation/MrzDates.h"
 
 #include <array>
 #include <cstdlib>

@@ -1,0 +1,7 @@
+#include "Platform/Chip/ChipLog.h"
+
+namespace kelvara {
+
+Q_LOGGING_CATEGORY(chipLog, "kelvara.chip")
+
+} // namespace kelvara

@@ -1,0 +1,138 @@
+#include "Tools/Cli/ChipOptions.h"
+
+#include "Kelvara/DateText.h"
+#include "Kelvara/IDCardUtil.h"
+#include "Platform/Mrz/QKMRZParser.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+namespace kelvara::cli {
+
+namespace {
+
+constexpr auto kHelp = R"(Usage: kelvara chip --mrz ZONE | --key KEY [options]
+       kelvara chip --software FILE.json [options]
+
+Reads an identity document's chip as Kelvara's view does and prints it as one JSON object.
+
+  --mrz ZONE           the machine-readable zone that opens the chip: its two or three lines, separated or not
+  --key KEY            or the access key itself: document number, birth and expiry date (YYMMDD), each with its
+                       check digit
+  --software FILE      read a chip that software plays instead of one on a reader; opened by its own key without
+                       --mrz and --key
+  --trace              print the commands and answers in clear to the error stream (with --software only)
+  --portrait OUT       write the portrait, in the format of OUT's suffix (.png, .jpg)
+  --master-list FILE   the authorities to trust: a state's master list, or certificates in PEM or DER
+  --reader NAME        use the reader whose name holds NAME instead of the first
+  --wait SECONDS       how long to wait for a card; 60 without
+  --pretty             indent the JSON
+  -h, --help           this text
+
+A key on the command line can be seen by other users of the machine; "--mrz -" and "--key -" read it from standard
+input instead. Nothing of a card is written but the JSON and the portrait that is asked for.
+
+Exit code: 0 read and genuine, 1 not read or not genuine, 2 wrong usage, no reader, or a file that cannot be read or
+written.
+)";
+
+CliEnd wrong(const QString& sentence)
+{
+    return { QStringLiteral("kelvara: %1 See kelvara chip --help.\n").arg(sentence), 2 };
+}
+
+std::optional<QString> standardInput()
+{
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return std::nullopt;
+    constexpr qint64 kMost = 4096;
+    return QString::fromUtf8(input.read(kMost)).trimmed();
+}
+
+} // namespace
+
+std::optional<QString> accessKeyOfZone(const QString& zone)
+{
+    QString characters = zone.toUpper();
+    characters.remove(QRegularExpression(QStringLiteral("\\s")));
+    const qsizetype length = characters.size() == 90 ? 30 : characters.size() / 2;
+    QStringList lines;
+    for (qsizetype at = 0; length > 0 && at < characters.size(); at += length)
+        lines << characters.mid(at, length);
+    const auto read = QKMRZParser().parse(lines);
+    if (!read || !read->allCheckDigitsValid)
+        return std::nullopt;
+    IDCardUtil util(nullptr);
+    constexpr qsizetype kLeastNumber = 9;
+    util.setPassportNumber(read->documentNumber.leftJustified(kLeastNumber, u'<'));
+    util.setDateOfBirth(toString(*read->birthDate));
+    util.setExpiryDate(toString(*read->expiryDate));
+    return util.getMRZKey();
+}
+
+std::variant<ChipOptions, CliEnd> parseChipOptions(const QStringList& arguments)
+{
+    ChipOptions options;
+    QString zone;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString word = arguments[i].section(u'=', 0, 0);
+        std::optional<QString> value;
+        if (arguments[i].contains(u'='))
+            value = arguments[i].section(u'=', 1);
+        const bool isFlag = word == u"--trace" || word == u"--pretty" || word == u"-h" || word == u"--help";
+        const bool takesValue = word == u"--mrz" || word == u"--key" || word == u"--software" || word == u"--portrait"
+            || word == u"--master-list" || word == u"--reader" || word == u"--wait";
+        if (isFlag && value)
+            return wrong(QStringLiteral("%1 takes no value.").arg(word));
+        if (takesValue && !value && i + 1 < arguments.size())
+            value = arguments[++i];
+        if (takesValue && (!value || value->isEmpty()))
+            return wrong(QStringLiteral("%1 needs a value.").arg(word));
+        if ((word == u"--mrz" || word == u"--key") && value == QLatin1String("-"))
+            value = standardInput();
+        if (word == u"-h" || word == u"--help")
+            return CliEnd { QString::fromUtf8(kHelp), 0 };
+        if (word == u"--trace")
+            options.isTraced = true;
+        else if (word == u"--pretty")
+            options.isPretty = true;
+        else if (word == u"--mrz")
+            zone = value.value_or(QString());
+        else if (word == u"--key")
+            options.key = value.value_or(QString());
+        else if (word == u"--software")
+            options.softwareFile = *value;
+        else if (word == u"--portrait")
+            options.portraitFile = *value;
+        else if (word == u"--master-list")
+            options.masterListFile = *value;
+        else if (word == u"--reader")
+            options.readerName = *value;
+        else if (word == u"--wait") {
+            bool isNumber = false;
+            options.patience = std::chrono::seconds(value->toInt(&isNumber));
+            constexpr std::chrono::seconds kLongest { 86'400 };
+            if (!isNumber || options.patience.count() < 1 || options.patience > kLongest)
+                return wrong(QStringLiteral("--wait needs a number of seconds from 1 to 86400."));
+        } else {
+            return wrong(QStringLiteral("There is no option %1.").arg(word));
+        }
+    }
+    if (!zone.isEmpty() && !options.key.isEmpty())
+        return wrong(QStringLiteral("--mrz and --key exclude each other."));
+    if (!zone.isEmpty()) {
+        const auto key = accessKeyOfZone(zone);
+        if (!key)
+            return wrong(QStringLiteral("The text after --mrz is no machine-readable zone (90, 72 or 88 characters), or a "
+                                        "check digit is wrong."));
+        options.key = *key;
+    }
+    if (options.key.isEmpty() && options.softwareFile.isEmpty())
+        return wrong(QStringLiteral("--mrz or --key is missing."));
+    if (options.isTraced && options.softwareFile.isEmpty())
+        return wrong(QStringLiteral("--trace is for software chips: nothing records a real card."));
+    return options;
+}
+
+} // namespace kelvara::cli
