@@ -66,7 +66,8 @@ TEST(Clones, MayMapWithAKeyThatTheDocumentDoesNotNameButProveNothingByIt)
     profile.pace = { { PaceMapping::ChipAuthentication, 13, CipherAlgorithm::AES128 } };
     // The signed infos have no key at all.
     const Bytes identifier = chip::PaceProtocol { chip::KeyAgreementGroup::Kind::ECDH, PaceMapping::ChipAuthentication,
-        CipherAlgorithm::AES128 }.identifier();
+        CipherAlgorithm::AES128 }
+                                 .identifier();
     const Bytes info = chip::securityInfo(identifier, { *chip::fromHex("02 01 02"), *chip::fromHex("02 01 0D") });
     profile.files[DataGroupId::DG14] = chip::makeTlv(0x6E, chip::securityInfos({ info }));
     const Outcome outcome = readChip(makeChip(profile));
@@ -90,7 +91,8 @@ TEST(Clones, CannotTakeTheAccessControlAwayInMidRead)
     reader.setTerminal(terminal);
     reader.setPatience(2s, 2s);
     Read read;
-    reader.readPassport(genuine->mrzKey(), {}, true,
+    reader.readPassport(
+        genuine->mrzKey(), {}, true,
         [&, inner = read.display()](const NFCViewDisplayMessage& message) {
             if (message.isCardLost)
                 terminal->place(open);
@@ -105,12 +107,13 @@ TEST(Clones, CannotTakeTheAccessControlAwayInMidRead)
 /// Domain parameters of the chip's own: whoever keeps quiet about them makes the offer useless.
 TEST(Clones, CannotHideTheParametersOfAnOffer)
 {
-    const Bytes pace = chip::PaceProtocol { chip::KeyAgreementGroup::Kind::ECDH, PaceMapping::Generic,
-        CipherAlgorithm::AES128 }.identifier();
+    const Bytes pace
+        = chip::PaceProtocol { chip::KeyAgreementGroup::Kind::ECDH, PaceMapping::Generic, CipherAlgorithm::AES128 }
+              .identifier();
     const Bytes version = *chip::fromHex("02 01 02"), number = *chip::fromHex("02 01 20");
     const Bytes offer = chip::securityInfo(pace, { version, number });
-    const Bytes parameters = chip::securityInfo(
-        Bytes(pace.begin(), pace.end() - 1), { *chip::software::explicitAlgorithm(13), number });
+    const Bytes parameters
+        = chip::securityInfo(Bytes(pace.begin(), pace.end() - 1), { *chip::software::explicitAlgorithm(13), number });
     ChipProfile profile = plainProfile();
     profile.files[DataGroupId::DG14] = chip::makeTlv(0x6E, chip::securityInfos({ offer, parameters }));
     profile.chipAuthentication.clear();

@@ -5,6 +5,8 @@
 #include "Platform/Chip/Tlv.h"
 #include "Platform/Chip/reading/PassportReading.h"
 
+#include <thread>
+
 namespace kelvara {
 namespace {
 
@@ -62,20 +64,37 @@ TEST(HostileChips, AreGivenUpInTime)
         return succeeding(command[1] == 0xB1 ? chip::makeTlv(0x53, answer) : answer);
     };
     const Row rows[] = {
-        { "there is always more, and never anything", [](ByteView) { return Bytes { 0x61, 0x00 }; } },
-        { "one byte more each time", [](ByteView) { return Bytes { 0x41, 0x61, 0x01 }; } },
+        { "there is always more, and never anything",
+            [](ByteView) {
+                return Bytes { 0x61, 0x00 };
+            } },
+        { "one byte more each time",
+            [](ByteView) {
+                return Bytes { 0x41, 0x61, 0x01 };
+            } },
         { "a file byte by byte", [&](ByteView c) { return isRead(c) ? largeFile(c, 1) : openChip(c); } },
         { "files without end", [&](ByteView c) { return isRead(c) ? largeFile(c, 80) : openChip(c); } },
-        { "reads of nothing", [](ByteView c) { return isRead(c) ? Bytes { 0x90, 0x00 } : openChip(c); } },
-        { "one byte less is right", [](ByteView c) { return isRead(c) ? Bytes { 0x6C, 0x01 } : openChip(c); } },
+        { "reads of nothing",
+            [](ByteView c) {
+                return isRead(c) ? Bytes { 0x90, 0x00 } : openChip(c);
+            } },
+        { "one byte less is right",
+            [](ByteView c) {
+                return isRead(c) ? Bytes { 0x6C, 0x01 } : openChip(c);
+            } },
         { "another length is right",
             [&](ByteView c) {
                 return isRead(c) ? Bytes { 0x6C, static_cast<std::uint8_t>(255 - turn++ % 255) } : openChip(c);
             } },
-        { "wrong length", [](ByteView c) { return isRead(c) ? Bytes { 0x67, 0x00 } : openChip(c); } },
+        { "wrong length",
+            [](ByteView c) {
+                return isRead(c) ? Bytes { 0x67, 0x00 } : openChip(c);
+            } },
         { "leaves after every byte",
             [&](ByteView c) {
-                return isRead(c) && ++turn % 2 == 0 ? std::optional<Bytes>() : isRead(c) ? largeFile(c, 1) : openChip(c);
+                return isRead(c) && ++turn % 2 == 0 ? std::optional<Bytes>()
+                    : isRead(c)                     ? largeFile(c, 1)
+                                                    : openChip(c);
             } },
         { "gains and forgets",
             [&](ByteView c) {
@@ -105,6 +124,26 @@ TEST(HostileChips, AreGivenUpInTime)
         EXPECT_LE(end.commands, 10'100U);
         RecordProperty(row.name, static_cast<int>(end.commands));
     }
+}
+
+TEST(HostileChips, MayNotTakeForEverOverTheirAnswers)
+{
+    HostileChip slow([](ByteView) {
+        std::this_thread::sleep_for(5ms);
+        return Bytes { 0x90, 0x00 };
+    });
+    const chip::CancelToken cancel;
+    chip::ReadBudget budget(1000, 30ms);
+    std::size_t answers = 0;
+    bool isOver = false;
+    while (!isOver && answers < 100) { // whatever is done with the card in between
+        const auto channel = std::get<std::unique_ptr<chip::CardChannel>>(slow.waitForCard(1s, cancel));
+        chip::ChipLine line(*channel, cancel, budget);
+        for (int i = 0; i < 2 && !isOver; ++i, ++answers)
+            isOver = std::holds_alternative<chip::LineFailure>(line.exchange({ 0x00, 0x84, 0x00, 0x00, {}, 8 }));
+    }
+    EXPECT_TRUE(isOver && budget.isSpent());
+    EXPECT_LE(slow.commands(), 6U);
 }
 
 } // namespace
