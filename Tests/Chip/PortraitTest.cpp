@@ -126,6 +126,28 @@ TEST(Portrait, CostlyOnesAreNotBegun)
     EXPECT_EQ(problemOf(withStyle(plain, 2, 0xFF)), PortraitProblem::TooCostly) << "65,281 layers";
 }
 
+TEST(Portrait, PartsThatEndBeforeTheyBeginAreNotFollowed)
+{
+    // The size of a tile part stands behind its index: it is to lead back to the part's own head, or before it.
+    const Bytes plain = *encodePortrait(cornersPicture(), ImageKind::Jpeg2000, 300);
+    const Bytes start = *fromHex("FF90 000A");
+    for (const std::uint8_t size : { 0, 1, 11, 12, 13, 14 }) {
+        Bytes picture = plain;
+        const auto part = std::search(picture.begin(), picture.end(), start.begin(), start.end());
+        ASSERT_NE(part, picture.end());
+        std::fill(part + 6, part + 10, 0);
+        part[9] = size;
+        (void)decodePortrait(picture); // ends
+    }
+    // A part within whose length there is another's head and data.
+    Bytes nested = plain;
+    const auto part = std::search(nested.begin(), nested.end(), start.begin(), start.end());
+    std::fill(part + 6, part + 10, 0);
+    part[9] = 12;
+    nested.insert(part + 12, 3, 0xFF);
+    EXPECT_TRUE(std::holds_alternative<PortraitProblem>(decodePortrait(nested)));
+}
+
 TEST(Portrait, NoSecondFrameHeaderLiesBehindABareMarker)
 {
     // For a decoder the marker ends at once, and 8,192 by 8,192 pixels follow.

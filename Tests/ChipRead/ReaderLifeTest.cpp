@@ -108,8 +108,8 @@ TEST(ReadersLife, AListThatIsAPipeIsNotWaitedFor)
     const auto chip = makeChip(plainProfile());
     for (const QString& path : { pipe, folder.path(), QStringLiteral("/dev/zero") }) {
         const auto terminal = std::make_shared<SoftwareTerminal>(chip);
-        EXPECT_EQ(failureOf(readFrom(terminal, chip->mrzKey(), QUrl::fromLocalFile(path))),
-            ErrorKind::MasterListUnusable);
+        EXPECT_EQ(
+            failureOf(readFrom(terminal, chip->mrzKey(), QUrl::fromLocalFile(path))), ErrorKind::MasterListUnusable);
     }
 }
 

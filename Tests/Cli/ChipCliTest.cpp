@@ -16,8 +16,8 @@ namespace {
 /// An invented card. Its name, number and key are what must not be found where nobody asked for them.
 const QString kNumber = QStringLiteral("A12B34567");
 const QString kKey = QStringLiteral("A12B34567590010113501014");
-const QStringList kZone { QStringLiteral("I<TURA12B345675<10000000146<<<"), QStringLiteral("9001011F3501014TUR<<<<<<<<<<<6"),
-    QStringLiteral("YILMAZ<<AYSE<GUL<<<<<<<<<<<<<<") };
+const QStringList kZone { QStringLiteral("I<TURA12B345675<10000000146<<<"),
+    QStringLiteral("9001011F3501014TUR<<<<<<<<<<<6"), QStringLiteral("YILMAZ<<AYSE<GUL<<<<<<<<<<<<<<") };
 
 /// A folder with a small picture and the profiles that a test writes.
 class ChipCli : public testing::Test
@@ -49,7 +49,8 @@ protected:
             object.insert(field.key(), field.value());
         return write("chip.json", QJsonDocument(object).toJson());
     }
-    static CliProcess chip(const QStringList& arguments, const QByteArray& input = {}, const QStringList& variables = {})
+    static CliProcess chip(
+        const QStringList& arguments, const QByteArray& input = {}, const QStringList& variables = {})
     {
         CliProcess process = CliProcess::run(QStringList(QStringLiteral("chip")) + arguments, input, variables);
         EXPECT_FALSE(process.complained.contains(kNumber) || process.complained.contains(QLatin1String("YILMAZ")))
@@ -71,8 +72,7 @@ TEST_F(ChipCli, ReadsAWholeChip)
 {
     const QString software = profile();
     const QString portrait = path("out.png");
-    const CliProcess process
-        = chip({ QStringLiteral("--software"), software, QStringLiteral("--portrait"), portrait });
+    const CliProcess process = chip({ QStringLiteral("--software"), software, QStringLiteral("--portrait"), portrait });
     EXPECT_EQ(process.exitCode, 0);
     EXPECT_EQ(process.complained, QString());
     const QJsonObject object = objectOf(process);
@@ -123,10 +123,10 @@ TEST_F(ChipCli, TellsWhatIsWrongWithAChip)
         return QJsonObject { { QStringLiteral("forgeries"), QJsonArray { QLatin1String(name) } } };
     };
     const QJsonObject otherCard { { QStringLiteral("passport"), false } };
-    for (const Row& row : { Row { forged("changedDG2"), {}, "NotGenuine" },
-             Row { forged("chipAuthenticationClone"), {}, "NotGenuine" },
-             Row { {}, QStringLiteral("L898902C<369080619406236"), "WrongKey" },
-             Row { otherCard, kKey, "UnsupportedCard" } }) {
+    for (const Row& row :
+        { Row { forged("changedDG2"), {}, "NotGenuine" }, Row { forged("chipAuthenticationClone"), {}, "NotGenuine" },
+            Row { {}, QStringLiteral("L898902C<369080619406236"), "WrongKey" },
+            Row { otherCard, kKey, "UnsupportedCard" } }) {
         SCOPED_TRACE(row.kind);
         QStringList arguments { QStringLiteral("--software"), profile(row.profile), QStringLiteral("--portrait"),
             path("out.png") };
@@ -136,7 +136,8 @@ TEST_F(ChipCli, TellsWhatIsWrongWithAChip)
         EXPECT_EQ(process.exitCode, 1);
         const QJsonObject object = objectOf(process);
         EXPECT_FALSE(object.value(QStringLiteral("read")).toBool());
-        EXPECT_EQ(object.value(QStringLiteral("error")).toObject().value(QStringLiteral("kind")), QLatin1String(row.kind));
+        EXPECT_EQ(
+            object.value(QStringLiteral("error")).toObject().value(QStringLiteral("kind")), QLatin1String(row.kind));
         EXPECT_FALSE(object.contains(QStringLiteral("document")));
         EXPECT_FALSE(QFile::exists(path("out.png")));
     }
@@ -145,8 +146,8 @@ TEST_F(ChipCli, TellsWhatIsWrongWithAChip)
 TEST_F(ChipCli, TracesSoftwareOnly)
 {
     const QString software = profile();
-    const CliProcess traced
-        = CliProcess::run({ QStringLiteral("chip"), QStringLiteral("--software"), software, QStringLiteral("--trace") });
+    const CliProcess traced = CliProcess::run(
+        { QStringLiteral("chip"), QStringLiteral("--software"), software, QStringLiteral("--trace") });
     EXPECT_EQ(traced.exitCode, 0);
     EXPECT_TRUE(traced.complained.contains(QLatin1String("(protected)"))) << traced.complained.left(500).toStdString();
     const CliProcess real = chip({ QStringLiteral("--key"), kKey, QStringLiteral("--trace") });
@@ -165,24 +166,38 @@ TEST_F(ChipCli, RefusesWrongUsageInALine)
     ASSERT_TRUE(large.open(QIODevice::WriteOnly) && large.resize(qint64 { 1 } << 30)); // takes no room
     const QString inner = write("inner.json", R"({"portrait":{"file":"fifo"}})");
     const QStringList rows[] = {
-        {}, { QStringLiteral("--nonsense") }, { key }, { mrz, QStringLiteral("hello") },
-        { mrz, QString(5000, u'<') }, { mrz, QString(90, u'<') }, { mrz, QString::fromUtf8("ÜÇ\nSATIR\n😀") },
+        {},
+        { QStringLiteral("--nonsense") },
+        { key },
+        { mrz, QStringLiteral("hello") },
+        { mrz, QString(5000, u'<') },
+        { mrz, QString(90, u'<') },
+        { mrz, QString::fromUtf8("ÜÇ\nSATIR\n😀") },
         { mrz, QString(kZone.join(QString())).replace(QLatin1String("900101"), QLatin1String("901301")) },
-        { key, QStringLiteral("A12B34567") }, { mrz, kZone[0], kZone[1], kZone[2] },
-        { key, kKey, mrz, kZone.join(QString()) }, { option, software, key, QStringLiteral("-") },
+        { key, QStringLiteral("A12B34567") },
+        { mrz, kZone[0], kZone[1], kZone[2] },
+        { key, kKey, mrz, kZone.join(QString()) },
+        { option, software, key, QStringLiteral("-") },
         { option, software, mrz, QStringLiteral("-") },
-        { option, path("nowhere.json") }, { option, path("") }, { option, fifo }, { option, large.fileName() },
-        { option, inner }, { option, QStringLiteral("/dev/zero") },
+        { option, path("nowhere.json") },
+        { option, path("") },
+        { option, fifo },
+        { option, large.fileName() },
+        { option, inner },
+        { option, QStringLiteral("/dev/zero") },
         { option, write("deep.json", QByteArray(100'000, '[')) },
         { option, write("deep2.json", R"({"a":)" + QByteArray(3000, '[') + QByteArray(3000, ']') + "}") },
-        { option, write("empty.json", {}) }, { option, write("list.json", "[1]") },
+        { option, write("empty.json", {}) },
+        { option, write("list.json", "[1]") },
         { option, write("number.json", R"({"access":{"pace":{"parameters":1e400}}})") },
         { option, write("number2.json", R"({"faults":{"delay":99999999999999999999}})") },
         { option, write("number3.json", R"({"activeAuthentication":{"rsaBits":-1}})") },
         { option, write("type.json", R"({"mrz":{"a":1},"portrait":[]})") },
         { option, write("bytes.json", QByteArray("{\"mrz\":[\"\xff\xfe\x00\"]}", 14)) },
-        { option, software, portrait, software }, { option, software, portrait, path("./chip.json") },
-        { option, software, portrait, path("out.txt") }, { option, software, portrait, path("nowhere/out.png") },
+        { option, software, portrait, software },
+        { option, software, portrait, path("./chip.json") },
+        { option, software, portrait, path("out.txt") },
+        { option, software, portrait, path("nowhere/out.png") },
         { option, software, portrait, path("") },
         { option, software, QStringLiteral("--master-list"), fifo },
         { option, software, QStringLiteral("--master-list"), path("") },
@@ -201,13 +216,19 @@ TEST_F(ChipCli, RefusesWrongUsageInALine)
         QFile file(software);
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         return file.readAll();
-    }()).object().value(QStringLiteral("mrz")).toArray().size(), 3) << "the profile was not overwritten";
+    }())
+                  .object()
+                  .value(QStringLiteral("mrz"))
+                  .toArray()
+                  .size(),
+        3)
+        << "the profile was not overwritten";
 }
 
 TEST_F(ChipCli, WithoutTheReaderServiceItEndsAtOnce)
 {
-    const CliProcess process = chip({ QStringLiteral("--key"), kKey }, {},
-        { QStringLiteral("PCSCLITE_CSOCK_NAME=") + path("no-service") });
+    const CliProcess process
+        = chip({ QStringLiteral("--key"), kKey }, {}, { QStringLiteral("PCSCLITE_CSOCK_NAME=") + path("no-service") });
     EXPECT_EQ(process.exitCode, 2);
     EXPECT_EQ(process.said, QString());
     EXPECT_EQ(process.complained, QStringLiteral("kelvara: The reader service (pcscd) does not run.\n"));

@@ -85,6 +85,8 @@ bool isCodestreamModest(ByteView data)
         if (marker == EndOfCodestream)
             return true;
         if (marker == TileData) {
+            if (endOfPart <= at) // the part is said to end before its data begin: there is no end to going round
+                return false;
             at = endOfPart;
             continue;
         }
