@@ -9,16 +9,16 @@ namespace {
 constexpr int kReactionMilliseconds = 500;
 constexpr int kFetchMilliseconds = 1500; ///< To take the card up and hold it there.
 constexpr int kSlipMilliseconds = 1000; ///< To get hold of it again.
+constexpr int kAdmirationMilliseconds = 900; ///< Of success, whose picture comes slowly and does not stay long.
 constexpr int kWellUnderWay = 40; ///< Percent.
 
 /// The kind of a failure by what a person is told about it; empty for words that are not the library's.
 QString kindOfFailure(const QString& message)
 {
     using Kind = NFCPassportReaderError::Kind;
-    for (const Kind kind :
-        { Kind::NoReader, Kind::AlreadyReading, Kind::InvalidKey, Kind::MasterListUnusable, Kind::UserCancelled,
-            Kind::Timeout, Kind::TagLost, Kind::WrongKey, Kind::UnsupportedCard, Kind::NotGenuine, Kind::UnreadableData,
-            Kind::ConnectionFailed }) {
+    for (const Kind kind : { Kind::NoReader, Kind::AlreadyReading, Kind::InvalidKey, Kind::MasterListUnusable,
+             Kind::UserCancelled, Kind::Timeout, Kind::TagLost, Kind::WrongKey, Kind::UnsupportedCard, Kind::NotGenuine,
+             Kind::UnreadableData, Kind::ConnectionFailed }) {
         NFCPassportReaderError error;
         error.kind = kind;
         if (error.message().simplified() == message)
@@ -92,7 +92,7 @@ void ChipHand::lookAtSheet()
         holdAfter(kSlipMilliseconds);
         break;
     case SheetPhase::Done:
-        if (isSettled)
+        if (m_phaseClock.elapsed() >= kAdmirationMilliseconds)
             Q_EMIT screenReached(QStringLiteral("chip-read"));
         break;
     case SheetPhase::Failed:

@@ -161,8 +161,10 @@ TEST(Flow, CompletesAndLeavesProof)
     QMap<QString, int> sizes;
     for (const QJsonValue& file : chip[text("files")].toArray())
         sizes.insert(file[text("file")].toString(), file[text("bytes")].toInt());
-    for (const char* file : { "DG1", "DG2", "DG11", "DG12", "DG14", "EF.SOD" })
-        EXPECT_GT(sizes.value(text(file)), 50) << file;
+    EXPECT_EQ(sizes.value(text("DG1")), 95) << "90 characters and three headers";
+    EXPECT_GT(sizes.value(text("DG2")), 10000);
+    for (const char* file : { "DG11", "DG12", "DG14", "EF.SOD" })
+        EXPECT_GT(sizes.value(text(file)), 0) << file;
     const QImage printed = printedPortrait(data);
     const QImage portrait = delivered(folder, 3, 0);
     EXPECT_EQ(portrait.size(), printed.size());
