@@ -30,8 +30,7 @@ QByteArray hashOf(const NFCPassportModel& passport, chip::DataGroupId id)
     const auto hash = passport.dataGroupHashes.find(id);
     if (hash == passport.dataGroupHashes.end())
         return {};
-    return QByteArray(
-        reinterpret_cast<const char*>(hash->second.data()), static_cast<qsizetype>(hash->second.size()));
+    return QByteArray(reinterpret_cast<const char*>(hash->second.data()), static_cast<qsizetype>(hash->second.size()));
 }
 
 } // namespace

@@ -63,11 +63,11 @@ TEST(KindsOfChip, LearnsHowMuchAChipGivesAtOnce)
         std::uint16_t atEnd;
         bool endsSession;
     };
-    for (const Row& row : { Row { "gives less", 128, 0x9000, 0x6282, false },
-             Row { "names the length", 160, 0x6C00, 0x6282, false }, Row { "wrong length", 200, 0x6700, 0x9000, false },
-             Row { "not over the end", 2048, 0x6700, 0x6B00, false },
-             Row { "ends the session", 231, 0x6700, 0x6282, true },
-             Row { "ends it at the end too", 4096, 0x6B00, 0x6B00, true } }) {
+    for (const Row& row :
+        { Row { "gives less", 128, 0x9000, 0x6282, false }, Row { "names the length", 160, 0x6C00, 0x6282, false },
+            Row { "wrong length", 200, 0x6700, 0x9000, false }, Row { "not over the end", 2048, 0x6700, 0x6B00, false },
+            Row { "ends the session", 231, 0x6700, 0x6282, true },
+            Row { "ends it at the end too", 4096, 0x6B00, 0x6B00, true } }) {
         SCOPED_TRACE(row.name);
         ChipProfile profile = plainProfile();
         profile.reading = { row.longest, row.answer, row.atEnd, true, true };

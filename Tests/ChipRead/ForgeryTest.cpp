@@ -19,18 +19,18 @@ TEST(Forgeries, AreRefused)
     trusted.write(reinterpret_cast<const char*>(certificate.data()), static_cast<qint64>(certificate.size()));
     trusted.flush();
     const QUrl masterList = QUrl::fromLocalFile(trusted.fileName());
-    for (const Row& row : { Row { Forgery::ChangedDG1, ErrorKind::NotGenuine },
-             Row { Forgery::ChangedDG2, ErrorKind::NotGenuine },
-             Row { Forgery::SwappedSecurityObject, ErrorKind::NotGenuine },
-             Row { Forgery::ForeignSigner, ErrorKind::NotGenuine, true },
-             Row { Forgery::ActiveAuthenticationClone, ErrorKind::NotGenuine },
-             Row { Forgery::ChipAuthenticationClone, ErrorKind::NotGenuine },
-             Row { Forgery::RefusesChipAuthentication, ErrorKind::NotGenuine },
-             Row { Forgery::RefusesActiveAuthentication, ErrorKind::NotGenuine },
-             Row { Forgery::PaceHidden, ErrorKind::NotGenuine }, Row { Forgery::PaceStripped, ErrorKind::NotGenuine },
-             Row { Forgery::QuietCom, std::nullopt }, Row { Forgery::MissingDG15, ErrorKind::NotGenuine },
-             Row { Forgery::UndecodablePortrait, ErrorKind::UnreadableData },
-             Row { Forgery::ForeignDG1, ErrorKind::NotGenuine } }) {
+    for (const Row& row :
+        { Row { Forgery::ChangedDG1, ErrorKind::NotGenuine }, Row { Forgery::ChangedDG2, ErrorKind::NotGenuine },
+            Row { Forgery::SwappedSecurityObject, ErrorKind::NotGenuine },
+            Row { Forgery::ForeignSigner, ErrorKind::NotGenuine, true },
+            Row { Forgery::ActiveAuthenticationClone, ErrorKind::NotGenuine },
+            Row { Forgery::ChipAuthenticationClone, ErrorKind::NotGenuine },
+            Row { Forgery::RefusesChipAuthentication, ErrorKind::NotGenuine },
+            Row { Forgery::RefusesActiveAuthentication, ErrorKind::NotGenuine },
+            Row { Forgery::PaceHidden, ErrorKind::NotGenuine }, Row { Forgery::PaceStripped, ErrorKind::NotGenuine },
+            Row { Forgery::QuietCom, std::nullopt }, Row { Forgery::MissingDG15, ErrorKind::NotGenuine },
+            Row { Forgery::UndecodablePortrait, ErrorKind::UnreadableData },
+            Row { Forgery::ForeignDG1, ErrorKind::NotGenuine } }) {
         SCOPED_TRACE(std::string(nameOf(row.forgery)));
         ChipProfile profile = plainProfile();
         profile.pace = { {} };
@@ -56,7 +56,8 @@ TEST(Forgeries, AreRefused)
     const Outcome changed = readChip(makeChip(profile));
     ASSERT_TRUE(changed.error && changed.error->verification.passiveAuthentication);
     EXPECT_EQ(changed.error->dataGroup, DataGroupId::DG2);
-    EXPECT_EQ(changed.error->verification.passiveAuthentication->hashes.at(DataGroupId::DG2), chip::HashOutcome::Mismatch);
+    EXPECT_EQ(
+        changed.error->verification.passiveAuthentication->hashes.at(DataGroupId::DG2), chip::HashOutcome::Mismatch);
     EXPECT_EQ(changed.error->verification.passiveAuthentication->hashes.at(DataGroupId::DG1), chip::HashOutcome::Match);
     EXPECT_EQ(changed.error->verification.chipAuthentication, ProtocolOutcome::Succeeded);
 }

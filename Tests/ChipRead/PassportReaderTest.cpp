@@ -1,6 +1,5 @@
 #include "Reader.h"
 
-
 #include <random>
 #include <thread>
 
@@ -59,7 +58,8 @@ TEST(PassportReader, NeedsFewCommands)
     profile.chipAuthentication.clear();
     profile.pace.clear();
     // DG14 without a key for chip authentication: what the figures are promised for.
-    profile.files[DataGroupId::DG14] = *chip::fromHex("6E 14 31 12 30 10 06 0B 2A 86 48 86 F7 0D 01 01 01 01 01 02 01 01");
+    profile.files[DataGroupId::DG14]
+        = *chip::fromHex("6E 14 31 12 30 10 06 0B 2A 86 48 86 F7 0D 01 01 01 01 01 02 01 01");
     for (const bool isExtended : { true, false }) {
         const auto chip = makeChip(profile);
         const auto terminal = std::make_shared<SoftwareTerminal>(chip);
@@ -68,7 +68,8 @@ TEST(PassportReader, NeedsFewCommands)
         expectWhole(outcome, *chip);
         EXPECT_GT(chip->files()[DataGroupId::DG2].size(), 16'000U);
         EXPECT_LE(terminal->counts().commands, isExtended ? 30U : 110U);
-        RecordProperty(isExtended ? "commandsExtended" : "commandsShort", static_cast<int>(terminal->counts().commands));
+        RecordProperty(
+            isExtended ? "commandsExtended" : "commandsShort", static_cast<int>(terminal->counts().commands));
     }
 }
 
@@ -196,7 +197,8 @@ TEST(PassportReader, ReadsOnlyWhatIsWanted)
     ASSERT_TRUE(outcome.passport) << outcome.sentence();
     EXPECT_TRUE(outcome.passport->dataGroupsRead.contains(DataGroupId::DG11));
     EXPECT_FALSE(outcome.passport->dataGroupsRead.contains(DataGroupId::DG2));
-    EXPECT_EQ(outcome.passport->verification.chipAuthentication, ProtocolOutcome::Succeeded) << "proofs are not optional";
+    EXPECT_EQ(outcome.passport->verification.chipAuthentication, ProtocolOutcome::Succeeded)
+        << "proofs are not optional";
 }
 
 } // namespace

@@ -18,8 +18,9 @@ TEST(RoughlyHandledChip, ATagLostAtAnyCommandIsReadOnAfterwards)
     for (unsigned at = 1; at <= commands; ++at) {
         SCOPED_TRACE(at);
         ChipFaults faults;
-        faults.list = { { .kind = ChipFault::Kind::TagLost, .command = at,
-            .counting = ChipFault::Counting::ChipLife, .byte = {} } };
+        faults.list = {
+            { .kind = ChipFault::Kind::TagLost, .command = at, .counting = ChipFault::Counting::ChipLife, .byte = {} }
+        };
         const auto fresh = makeChip(profile);
         fresh->setFaults(faults);
         const auto terminal = std::make_shared<SoftwareTerminal>(fresh);

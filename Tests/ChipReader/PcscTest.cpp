@@ -1,21 +1,18 @@
+#include "Platform/Chip/PassportReader.h"
 #include "Platform/Chip/Tlv.h"
 #include "Platform/Chip/reading/FileReading.h"
 #include "Platform/Chip/software/ChipFiles.h"
+#include "Platform/Chip/software/SoftwareChip.h"
 #include "Platform/Chip/software/VirtualReaderCard.h"
 #include "Platform/Chip/transport/AnswerToReset.h"
 #include "Platform/Chip/transport/PcscTerminal.h"
+#include "Tests/Support/ReaderService.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
-#include <QStandardPaths>
-#include <QTcpServer>
-#include <QTemporaryFile>
 
-#include <csignal>
+#include <future>
 #include <gtest/gtest.h>
-#include <sys/prctl.h>
 #include <thread>
-#include <unistd.h>
 
 namespace kelvara::chip {
 namespace {
@@ -46,50 +43,8 @@ TEST(AnswerToReset, TellsOfExtendedLength)
 class Pcsc : public testing::Test
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        const QString program = QStandardPaths::findExecutable(
-            QStringLiteral("pcscd"), { QStringLiteral("/usr/sbin"), QStringLiteral("/usr/bin") });
-        if (program.isEmpty() || geteuid() != 0 || !QFile::exists(QLatin1String(kDriver)))
-            return;
-        if (PcscTerminal().isServiceRunning())
-            return; // the machine's own is left alone
-        // A port of its own: the usual one stays taken for a minute after an earlier service.
-        QTcpServer free;
-        ASSERT_TRUE(free.listen(QHostAddress::LocalHost));
-        port = free.serverPort();
-        free.close();
-        configuration = new QTemporaryFile;
-        ASSERT_TRUE(configuration->open());
-        configuration->write(QStringLiteral("FRIENDLYNAME \"Virtual PCD\"\nDEVICENAME /dev/null:0x%1\nLIBPATH %2\n"
-                                            "CHANNELID 0x%1\n")
-                                 .arg(port, 0, 16)
-                                 .arg(QLatin1String(kDriver))
-                                 .toLatin1());
-        configuration->close();
-        service = new QProcess;
-        service->setProgram(program);
-        service->setArguments({ QStringLiteral("-f"), QStringLiteral("-c"), configuration->fileName() });
-        // A test that dies must not leave it running: the next one's could not start.
-        service->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
-        QElapsedTimer clock;
-        clock.start();
-        while (!PcscTerminal().isAvailable() && clock.elapsed() < 20'000) {
-            // It refuses to start beside another one, which may be on its way out.
-            if (service->waitForFinished(50) || service->state() == QProcess::NotRunning)
-                service->start();
-        }
-    }
-    static void TearDownTestSuite()
-    {
-        if (!service)
-            return;
-        service->terminate();
-        service->waitForFinished(10'000);
-        delete service;
-        service = nullptr;
-        delete configuration;
-    }
+    static void SetUpTestSuite() { service = test::ReaderService::start(); }
+    static void TearDownTestSuite() { service.reset(); }
     void SetUp() override
     {
         if (!service)
@@ -106,10 +61,7 @@ protected:
             [&files] { files.reset(); }, std::move(atr) };
     }
 
-    static constexpr const char* kDriver = "/usr/lib/pcsc/drivers/serial/libifdvpcd.so";
-    static inline QProcess* service = nullptr;
-    static inline QTemporaryFile* configuration = nullptr;
-    static inline std::uint16_t port = 0;
+    static inline std::unique_ptr<test::ReaderService> service;
     CancelToken cancel;
 };
 
@@ -119,7 +71,8 @@ TEST_F(Pcsc, ReadsAFileThroughTheService)
     ChipFiles files;
     files.add(0x0102, content, true);
     for (const bool extended : { true, false }) {
-        const VirtualReaderCard card(cardOf(files, extended ? kExtendedAtr : *fromHex("3B 80 80 01 01")), port);
+        const VirtualReaderCard card(
+            cardOf(files, extended ? kExtendedAtr : *fromHex("3B 80 80 01 01")), service->port());
         ASSERT_TRUE(card.problem().empty()) << card.problem();
         auto opened = PcscTerminal().waitForCard(10s, cancel);
         ASSERT_TRUE(std::holds_alternative<std::unique_ptr<CardChannel>>(opened))
@@ -139,6 +92,33 @@ TEST_F(Pcsc, ReadsAFileThroughTheService)
     }
 }
 
+TEST_F(Pcsc, ReadsAWholeDocumentThroughTheService)
+{
+    software::ChipProfile profile;
+    profile.activeAuthentication.emplace();
+    profile.activeAuthentication->rsaBits = 2048; // whose signature needs the extended length
+    auto made = software::SoftwareChip::make(profile);
+    ASSERT_TRUE(std::holds_alternative<std::shared_ptr<software::SoftwareChip>>(made));
+    const auto chip = std::get<std::shared_ptr<software::SoftwareChip>>(made);
+    std::promise<std::pair<std::shared_ptr<NFCPassportModel>, std::optional<NFCPassportReaderError>>> promise;
+    auto outcome = promise.get_future();
+    PassportReader reader;
+    reader.setTerminal(std::make_shared<PcscTerminal>());
+    reader.readPassport(chip->mrzKey(), {}, true, {}, [&](auto passport, auto error) {
+        promise.set_value({ passport, error });
+    });
+    std::this_thread::sleep_for(200ms);
+    const VirtualReaderCard card(software::virtualReaderCard(chip), service->port());
+    ASSERT_TRUE(card.problem().empty()) << card.problem();
+    const auto [passport, error] = outcome.get();
+    ASSERT_TRUE(passport) << error->debugDescription().toStdString();
+    for (const auto& [id, group] : passport->dataGroupsRead)
+        EXPECT_EQ(rawOf(group), chip->files().at(id));
+    EXPECT_EQ(passport->verification.pace, ProtocolOutcome::Succeeded);
+    EXPECT_EQ(passport->verification.chipAuthentication, ProtocolOutcome::Succeeded);
+    EXPECT_EQ(passport->verification.activeAuthentication, ProtocolOutcome::Succeeded);
+}
+
 TEST_F(Pcsc, TellsACardThatLeftFromOneThatNeverCame)
 {
     ChipFiles files;
@@ -147,7 +127,7 @@ TEST_F(Pcsc, TellsACardThatLeftFromOneThatNeverCame)
     auto none = terminal.waitForCard(300ms, cancel);
     EXPECT_EQ(std::get<TransportError>(none).kind, Kind::NoCard) << std::get<TransportError>(none).detail;
 
-    auto card = std::make_unique<VirtualReaderCard>(cardOf(files), port);
+    auto card = std::make_unique<VirtualReaderCard>(cardOf(files), service->port());
     auto opened = terminal.waitForCard(10s, cancel);
     auto& channel = std::get<std::unique_ptr<CardChannel>>(opened);
     card.reset();
@@ -160,7 +140,7 @@ TEST_F(Pcsc, TellsACardThatLeftFromOneThatNeverCame)
     // It comes back while the reader waits.
     std::thread later([&] {
         std::this_thread::sleep_for(300ms);
-        card = std::make_unique<VirtualReaderCard>(cardOf(files), port);
+        card = std::make_unique<VirtualReaderCard>(cardOf(files), service->port());
     });
     auto again = terminal.waitForCard(10s, cancel);
     later.join();

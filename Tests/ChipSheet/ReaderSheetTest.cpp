@@ -197,6 +197,42 @@ TEST_F(SheetRig, TakesTouchesAndFollowsTheWindow)
     EXPECT_EQ(window->childAt(late->geometry().center()), sheet);
 }
 
+TEST_F(SheetRig, TouchesReachTheButtonAndNoHost)
+{
+    struct Greedy final : QObject
+    {
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            touches += event->type() == QEvent::TouchBegin || event->type() == QEvent::MouseButtonPress
+                || event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+            return false;
+        }
+        int touches = 0;
+    } greedy;
+    for (QWidget* const host : { window.get(), view }) {
+        host->setAttribute(Qt::WA_AcceptTouchEvents);
+        host->installEventFilter(&greedy);
+    }
+    const std::unique_ptr<QPointingDevice> finger(QTest::createTouchDevice());
+    const auto touch = [&](const QPoint& spot) {
+        QTest::touchEvent(window.get(), finger.get()).press(0, spot, window.get());
+        QTest::touchEvent(window.get(), finger.get()).release(0, spot, window.get());
+    };
+    touch({ 200, 300 });
+    EXPECT_GT(greedy.touches, 0) << "the host takes them while there is no sheet";
+    greedy.touches = 0;
+
+    const QPointer<ReaderSheet> sheet = newSheet();
+    sheet->present();
+    untilUp(sheet);
+    touch({ 200, 20 });
+    QTest::keyClick(button(sheet), Qt::Key_A);
+    EXPECT_EQ(cancels, 0);
+    touch(button(sheet)->mapTo(window.get(), button(sheet)->rect().center()));
+    EXPECT_EQ(cancels, 1);
+    EXPECT_EQ(greedy.touches, 0);
+}
+
 TEST_F(SheetRig, StandsStillWhereTheSystemAsksForIt)
 {
     const auto bytesOf = [](QWidget* widget) { return widget->grab().toImage(); };

@@ -88,8 +88,11 @@ PlatformServices Device::services() const
 {
     return { .cameras = std::make_shared<ReplayCameraProvider>(back, front),
         .imageAnalysis = eyes.make(text),
-        .nfc = hasNfc ? std::make_shared<NfcPhone>() : nullptr,
-        .userDefaults = UserDefaults::inMemory() };
+        .nfc = terminal ? NFCReaderSession::of(terminal)
+            : hasNfc    ? std::make_shared<NfcPhone>()
+                        : nullptr,
+        .userDefaults = UserDefaults::inMemory(),
+        .masterListURL = {} };
 }
 
 Stage::Stage(Device made, QSize size)

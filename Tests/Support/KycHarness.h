@@ -67,6 +67,7 @@ struct RecordingDelegate : QorvelKycViewDelegate
     QStringList calls;
     std::vector<Photo> photos;
     std::shared_ptr<SdkModel> record;
+    const NFCPassportModel* passport = nullptr; ///< Borrowed from the view's record.
     std::function<void(QorvelKycView&, const QString&)> during;
 
     void note(QorvelKycView& view, const QString& call)
@@ -100,7 +101,11 @@ struct RecordingDelegate : QorvelKycViewDelegate
     {
         photo(view, QStringLiteral("selfie"), { image, text, crop, cropText });
     }
-    void didReadNfc(QorvelKycView& view, const NFCPassportModel&) override { note(view, QStringLiteral("nfc")); }
+    void didReadNfc(QorvelKycView& view, const NFCPassportModel& didRead) override
+    {
+        passport = &didRead;
+        note(view, QStringLiteral("nfc"));
+    }
     void didClose(QorvelKycView& view, const std::shared_ptr<SdkModel>& model) override
     {
         record = model;
@@ -116,6 +121,7 @@ struct Device
     ToldDetectors eyes;
     std::shared_ptr<const TextRectangleDetector> text; ///< Null: no text is seen.
     bool hasNfc = false;
+    std::shared_ptr<chip::CardTerminal> terminal; ///< Where cards come from; implies NFC.
 
     static std::shared_ptr<ReplayCamera> camera(AVCaptureDevicePosition position, ReplayCameraOptions options = {});
     static Device phone();

@@ -62,16 +62,17 @@ std::variant<std::shared_ptr<SoftwareChip>, QString> makeChip(const QString& pat
 std::optional<QString> askForCard(const NFCViewDisplayMessage& message)
 {
     if (message.kind == NFCViewDisplayMessage::Kind::requestPresentCard)
-        std::fputs(message.isCardLost ? "The card was lost. Hold it to the reader again.\n"
-                                      : "Hold the card to the reader.\n",
+        std::fputs(
+            message.isCardLost ? "The card was lost. Hold it to the reader again.\n" : "Hold the card to the reader.\n",
             stderr);
     return std::nullopt;
 }
 
 Outcome read(const ChipOptions& options, const std::shared_ptr<chip::CardTerminal>& terminal, bool asks)
 {
-    const QUrl masterList
-        = options.masterListFile.isEmpty() ? QUrl() : QUrl::fromLocalFile(QFileInfo(options.masterListFile).absoluteFilePath());
+    const QUrl masterList = options.masterListFile.isEmpty()
+        ? QUrl()
+        : QUrl::fromLocalFile(QFileInfo(options.masterListFile).absoluteFilePath());
     std::promise<Outcome> promise;
     auto outcome = promise.get_future();
     PassportReader reader(ReaderLogLevel::Warning, masterList);

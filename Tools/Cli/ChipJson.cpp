@@ -141,7 +141,8 @@ QJsonObject jsonOf(const NFCPassportReaderError& error)
         { QStringLiteral("detail"), QString::fromStdString(error.detail) },
         { QStringLiteral("message"), error.message() } };
     if (error.sw != 0)
-        object.insert(QStringLiteral("statusWord"), QStringLiteral("%1").arg(error.sw, 4, 16, QLatin1Char('0')).toUpper());
+        object.insert(
+            QStringLiteral("statusWord"), QStringLiteral("%1").arg(error.sw, 4, 16, QLatin1Char('0')).toUpper());
     if (error.dataGroup)
         object.insert(QStringLiteral("file"), nameOf(*error.dataGroup));
     return object;

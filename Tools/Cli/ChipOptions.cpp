@@ -124,8 +124,9 @@ std::variant<ChipOptions, CliEnd> parseChipOptions(const QStringList& arguments)
     if (!zone.isEmpty()) {
         const auto key = accessKeyOfZone(zone);
         if (!key)
-            return wrong(QStringLiteral("The text after --mrz is no machine-readable zone (90, 72 or 88 characters), or a "
-                                        "check digit is wrong."));
+            return wrong(
+                QStringLiteral("The text after --mrz is no machine-readable zone (90, 72 or 88 characters), or a "
+                               "check digit is wrong."));
         options.key = *key;
     }
     if (options.key.isEmpty() && options.softwareFile.isEmpty())

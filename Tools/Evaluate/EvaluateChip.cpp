@@ -101,8 +101,8 @@ unsigned readOnce(const std::shared_ptr<SoftwareChip>& chip, const std::string& 
         else
             ++tally.errors[std::string(nameOf(error->kind))];
         if (tally.failed.size() < kNamesShown)
-            tally.failed.push_back(
-                name + ": " + (error ? error->debugDescription().toStdString() : std::string("not what is on the chip")));
+            tally.failed.push_back(name + ": "
+                + (error ? error->debugDescription().toStdString() : std::string("not what is on the chip")));
     }
     return terminal->counts().commands;
 }
@@ -134,8 +134,8 @@ void readAllKinds()
         }
     }
     tally.print("access x CA kind x AA kind");
-    for (const auto& [title, traits] : { std::pair("CA keys", chipAuthenticationKeys()),
-             std::pair("AA keys", activeAuthenticationKeys()) }) {
+    for (const auto& [title, traits] :
+        { std::pair("CA keys", chipAuthenticationKeys()), std::pair("AA keys", activeAuthenticationKeys()) }) {
         Tally keys;
         for (const ChipTrait& trait : traits) {
             ChipProfile profile = plainProfile();
@@ -213,7 +213,8 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList wanted = QCoreApplication::arguments().mid(1);
-    const auto isWanted = [&wanted](const char* name) { return wanted.isEmpty() || wanted.contains(QLatin1String(name)); };
+    const auto isWanted
+        = [&wanted](const char* name) { return wanted.isEmpty() || wanted.contains(QLatin1String(name)); };
     if (isWanted("kinds"))
         readAllKinds();
     if (isWanted("rough"))

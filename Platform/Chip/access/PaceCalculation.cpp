@@ -30,8 +30,9 @@ std::size_t nonceSize(CipherAlgorithm cipher)
 
 std::optional<Bytes> decryptedNonce(const PaceProtocol& protocol, ByteView key, ByteView cryptogram)
 {
-    // Chips with long keys are met that draw short nonces for the generic mapping, where that is no harm.
-    if (cryptogram.size() != shortNonce && cryptogram.size() != longNonce)
+    // The chip chooses the length, in whole blocks; only the integrated mapping needs as much as a key, and says so
+    // itself. Of triple DES a single block is met.
+    if (cryptogram.empty() || cryptogram.size() > longNonce)
         return std::nullopt;
     return decryptCBC(protocol.cipher, key, {}, cryptogram);
 }

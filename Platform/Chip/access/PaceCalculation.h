@@ -20,7 +20,7 @@ inline constexpr std::uint32_t chipAuthenticationData = 0x8A;
 
 /// The key that the nonce is encrypted with, from the password.
 [[nodiscard]] Bytes passwordKey(CipherAlgorithm cipher, ByteView password);
-/// The nonce; absent for a cryptogram of a size that nonces do not have.
+/// The nonce; absent for a cryptogram of a size that nonces do not have (one to four blocks).
 [[nodiscard]] std::optional<Bytes> decryptedNonce(
     const PaceProtocol& protocol, ByteView passwordKey, ByteView cryptogram);
 /// How long a chip makes its nonce: whole blocks, at least as long as the key.

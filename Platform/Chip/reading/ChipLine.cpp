@@ -69,8 +69,7 @@ ChipLine::Answer ChipLine::exchange(const CommandApdu& command)
     if (const auto* broken = std::get_if<MessagingFailure>(&plain)) {
         const bool isInTheClear
             = broken->error == MessagingError::Unprotected || broken->error == MessagingError::SessionOver;
-        return failure(
-            isInTheClear ? LineFailure::Kind::SessionEnded : LineFailure::Kind::Tampered, broken->sw);
+        return failure(isInTheClear ? LineFailure::Kind::SessionEnded : LineFailure::Kind::Tampered, broken->sw);
     }
     return std::get<ResponseApdu>(std::move(plain));
 }

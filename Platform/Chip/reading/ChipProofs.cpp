@@ -55,8 +55,7 @@ std::optional<ReadStop> ChipProofs::tryNewSession(ChipLine& line)
         if (broken->kind == LineFailure::Kind::Transport || ++m_state.brokenProofs == 1)
             return *broken;
         m_state.verification.chipAuthentication = ProtocolOutcome::Failed;
-        return m_state.error(
-            Kind::NotGenuine, "the chip does not hold the key of its chip authentication", broken->sw);
+        return m_state.error(Kind::NotGenuine, "the chip does not hold the key of its chip authentication", broken->sw);
     }
     m_state.verification.chipAuthentication = ProtocolOutcome::Succeeded;
     return std::nullopt;

@@ -157,8 +157,7 @@ std::optional<NFCPassportReaderError> Judgement::judgeAbsences()
     for (const auto& [id, hash] : m_state.securityObject->hashes) {
         // Whoever hides the keys of a chip's proofs has a copy to hide.
         const bool isProof = id == DataGroupId::DG14 || id == DataGroupId::DG15;
-        const bool isObligatory
-            = id == DataGroupId::DG1 || (id == DataGroupId::DG2 && m_wish.wants(DataGroupId::DG2));
+        const bool isObligatory = id == DataGroupId::DG1 || (id == DataGroupId::DG2 && m_wish.wants(DataGroupId::DG2));
         if ((isProof || isObligatory) && !m_state.shelf.has(id))
             return about(id, m_state.error(Kind::NotGenuine, "a file that was signed is not on the chip"));
     }

@@ -54,14 +54,9 @@ std::string sentenceOf(const LineFailure& broken)
 
 PassportReading::PassportReading(
     MrzKey key, ReadWish wish, CardTerminal& terminal, const CancelToken& cancel, Patience patience, Report report)
-    : m_wish(std::move(wish)),
-      m_terminal(terminal),
-      m_cancel(cancel),
-      m_patience(patience),
-      m_report(std::move(report)),
-      m_state(std::move(key)),
-      m_fetcher(m_state, [this](DataGroupId id) { reportPiece(id); }),
-      m_judgement(m_state, m_wish)
+    : m_wish(std::move(wish)), m_terminal(terminal), m_cancel(cancel), m_patience(patience),
+      m_report(std::move(report)), m_state(std::move(key)),
+      m_fetcher(m_state, [this](DataGroupId id) { reportPiece(id); }), m_judgement(m_state, m_wish)
 {
     expectFiles();
 }

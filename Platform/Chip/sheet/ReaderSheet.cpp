@@ -266,6 +266,7 @@ bool ReaderSheet::event(QEvent* event)
     case QEvent::MouseMove:
     case QEvent::Wheel:
     case QEvent::ContextMenu:
+    case QEvent::KeyRelease:
         event->accept();
         return true;
     case QEvent::ShortcutOverride:
