@@ -19,7 +19,7 @@ constexpr std::size_t kPiece = 224;
 
 // Portraits of some 16 kilobytes, as on real chips.
 constexpr int kThousandthsOfPixels = 25;
-constexpr int kJpegQuality = 85;
+constexpr int kJpegQuality = 70;
 
 unsigned commandsToRead(const SoftwareChip& chip)
 {

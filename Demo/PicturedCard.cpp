@@ -14,9 +14,9 @@ namespace {
 
 constexpr double kMostZoom = 3;
 
-// A portrait on a chip: ICAO's 413 × 531 pixels, with the face over three fifths of the width and a little high.
+// A portrait on a chip: ICAO's 413 × 531 pixels, with the face over two thirds of the width and a little high.
 constexpr QSizeF kPortrait(413, 531);
-constexpr double kFaceWidth = 0.6;
+constexpr double kFaceWidth = 0.68; // no wider than cards print it, so that nothing else of the print is seen
 constexpr double kFaceMiddle = 0.51;
 
 } // namespace
