@@ -2,6 +2,8 @@
 
 #include "Platform/Chip/NFCPassportReaderError.h"
 
+#include <QProgressBar>
+
 namespace kelvara::demo {
 
 namespace {
@@ -57,6 +59,9 @@ void ChipHand::enter(std::optional<SheetPhase> phase)
         m_stage.takeFromReader();
     if (phase == SheetPhase::Present || phase == SheetPhase::Done)
         m_failure.clear();
+    // Seen as it moves: on a busy machine the whole read may be over between two looks.
+    if (const QProgressBar* bar = m_screen.sheetProgress())
+        connect(bar, &QProgressBar::valueChanged, this, &ChipHand::lookAtProgress, Qt::UniqueConnection);
 }
 
 void ChipHand::lookAtStep()
@@ -83,8 +88,6 @@ void ChipHand::lookAtSheet()
         holdAfter(kFetchMilliseconds);
         break;
     case SheetPhase::Reading:
-        if (m_screen.sheetPercent() >= kWellUnderWay)
-            Q_EMIT screenReached(QStringLiteral("chip-reading"));
         break;
     case SheetPhase::PresentAgain:
         if (isSettled)
@@ -105,6 +108,12 @@ void ChipHand::lookAtSheet()
         }
         break;
     }
+}
+
+void ChipHand::lookAtProgress(int percent)
+{
+    if (percent >= kWellUnderWay && m_screen.sheetPhase() == SheetPhase::Reading)
+        Q_EMIT screenReached(QStringLiteral("chip-reading"));
 }
 
 void ChipHand::holdAfter(int milliseconds)

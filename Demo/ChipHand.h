@@ -38,6 +38,7 @@ private:
     void enter(std::optional<SheetPhase> phase);
     void lookAtStep();
     void lookAtSheet();
+    void lookAtProgress(int percent);
     void holdAfter(int milliseconds);
 
     const ScreenReader& m_screen;

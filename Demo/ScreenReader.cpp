@@ -86,11 +86,10 @@ QString ScreenReader::sheetMessage() const
     return shown ? shown->accessibleDescription() : QString();
 }
 
-int ScreenReader::sheetPercent() const
+const QProgressBar* ScreenReader::sheetProgress() const
 {
     const chip::ReaderSheet* shown = sheet();
-    const auto* bar = shown ? shown->findChild<QProgressBar*>() : nullptr;
-    return bar ? bar->value() : 0;
+    return shown ? shown->findChild<QProgressBar*>() : nullptr;
 }
 
 } // namespace kelvara::demo

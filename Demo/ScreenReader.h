@@ -9,6 +9,7 @@
 #include <optional>
 
 class QAbstractButton;
+class QProgressBar;
 
 namespace kelvara::chip {
 class ReaderSheet;
@@ -40,8 +41,8 @@ public:
     [[nodiscard]] std::optional<SheetPhase> sheetPhase() const;
     /// Its message as it is read out; empty without a sheet.
     [[nodiscard]] QString sheetMessage() const;
-    /// How far its bar has come; 0 without a sheet.
-    [[nodiscard]] int sheetPercent() const;
+    /// Its bar, from 0 to 100; null without a sheet.
+    [[nodiscard]] const QProgressBar* sheetProgress() const;
 
 private:
     [[nodiscard]] QAbstractButton* button(const QString& accessibleName) const;
