@@ -8,6 +8,7 @@
 #include "Platform/Chip/reading/FileReading.h"
 #include "Platform/Chip/software/SoftwareChip.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace kelvara::chip {
@@ -16,11 +17,18 @@ namespace kelvara::chip {
 class ChipDriver
 {
 public:
-    explicit ChipDriver(std::shared_ptr<software::SoftwareChip> chip, bool extended = true)
-        : m_chip(std::move(chip)), m_blockSize(BlockSize::widest(extended))
+    using Transmit = std::function<Bytes(ByteView command)>;
+
+    explicit ChipDriver(const std::shared_ptr<software::SoftwareChip>& chip, bool extended = true)
+        : ChipDriver([chip](ByteView command) { return chip->transmit(command); }, chip->mrzKey(), extended)
     {
+        m_chip = chip;
         restart();
     }
+    /// Through whatever lies between.
+    ChipDriver(Transmit transmit, const QString& key, bool extended)
+        : m_transmit(std::move(transmit)), m_keyText(key.toStdString()), m_blockSize(BlockSize::widest(extended))
+    { }
 
     /// Whatever was agreed is forgotten on both sides.
     void restart()
@@ -34,7 +42,7 @@ public:
     {
         if (!m_session)
             return sendPlain(command);
-        const auto answer = ResponseApdu::decoded(m_chip->transmit(m_session->protect(command)->encoded()));
+        const auto answer = ResponseApdu::decoded(m_transmit(m_session->protect(command)->encoded()));
         if (!answer) {
             m_session.reset();
             return {};
@@ -49,7 +57,7 @@ public:
     /// Past the session.
     ResponseApdu sendPlain(const CommandApdu& command)
     {
-        return ResponseApdu::decoded(m_chip->transmit(command.encoded())).value_or(ResponseApdu {});
+        return ResponseApdu::decoded(m_transmit(command.encoded())).value_or(ResponseApdu {});
     }
 
     bool run(AccessProtocol& protocol)
@@ -128,13 +136,15 @@ public:
         return authentication.failure();
     }
 
-    MrzKey key() const { return *MrzKey::fromText(m_chip->mrzKey().toStdString()); }
+    MrzKey key() const { return *MrzKey::fromText(m_keyText); }
     bool hasSession() const { return m_session.has_value(); }
     std::uint16_t refusal() const { return m_refusal; }
     const std::optional<MessagingFailure>& failure() const { return m_failure; }
     const std::optional<MappedChipAuthentication>& mapped() const { return m_mapped; }
 
 private:
+    Transmit m_transmit;
+    std::string m_keyText;
     std::shared_ptr<software::SoftwareChip> m_chip;
     BlockSize m_blockSize;
     std::optional<SecureMessaging> m_session;

@@ -94,7 +94,8 @@ TEST(PacePeer, GenericMappingAgreesWithAnIndependentChip)
             const PaceProtocol protocol { KeyAgreementGroup::Kind::ECDH, PaceMapping::Generic,
                 static_cast<CipherAlgorithm>(cipher) };
             const Bytes two = makeTlv(0x02, bigEndian(2));
-            const Bytes offer = securityInfos({ securityInfo(protocol.identifier(), { two, makeTlv(0x02, bigEndian(id)) }) });
+            const Bytes offer
+                = securityInfos({ securityInfo(protocol.identifier(), { two, makeTlv(0x02, bigEndian(id)) }) });
             PeerChip chip(offer, number);
             ASSERT_TRUE(chip.isReady) << "it does not understand what our chips announce";
             const auto infos = SecurityInfos::parsed(offer);

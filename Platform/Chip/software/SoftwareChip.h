@@ -22,8 +22,8 @@ namespace kelvara::chip::software {
 class SoftwareChip
 {
 public:
-    /// A chip with fresh keys, or a sentence about what of the profile cannot be. Takes milliseconds with curves and
-    /// some tenths of a second an RSA key. Any thread.
+    /// A chip with fresh keys, or a sentence about what of the profile cannot be. Takes some tens of milliseconds,
+    /// most of them for the portrait, and longer by far where RSA keys are to be made. Any thread.
     [[nodiscard]] static std::variant<std::shared_ptr<SoftwareChip>, QString> make(const ChipProfile& profile);
     ~SoftwareChip();
     SoftwareChip(const SoftwareChip&) = delete;
