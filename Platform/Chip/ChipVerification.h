@@ -19,14 +19,17 @@ enum class ProtocolOutcome {
 /// Which proofs a read has gone through, and what came out (ICAO Doc 9303-11). A value.
 struct ChipVerification
 {
-    /// Access control: exactly one of both succeeds in a read that delivers, none on a chip that asks for none.
+    /// Access control, as the card's last presentation was opened: exactly one of both succeeds in a read that
+    /// delivers, none on a chip that asks for none.
     ProtocolOutcome pace = ProtocolOutcome::NotOffered;
     QString paceProtocol; ///< "PACE-ECDH-GM-AES-128", for engineers; empty without PACE.
     ProtocolOutcome bac = ProtocolOutcome::NotOffered;
 
     /// Proof that the chip is no copy: it holds a private key that belongs to a public one its issuer signed.
     ProtocolOutcome chipAuthentication = ProtocolOutcome::NotOffered;
-    bool isChipAuthenticatedByPace = false; ///< By the chip authentication mapping, whose success counts as the above.
+    /// By the chip authentication mapping, whose success counts as the above where DG14 names the key that it proved. A
+    /// key that only EF.CardSecurity names belongs to some chip, but to none of this document's as far as it is known.
+    bool isChipAuthenticatedByPace = false;
     ProtocolOutcome activeAuthentication = ProtocolOutcome::NotOffered;
 
     /// Proof that the data are as the issuer signed them. Absent when the read ended before.

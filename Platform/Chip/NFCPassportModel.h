@@ -45,10 +45,12 @@ public:
     QString issuingAuthority;
     std::optional<QDate> issueDate;
 
-    QImage faceImage; ///< The portrait (DG2), upright. Never null in a model that a read delivered.
+    /// The portrait (DG2), upright. Null only in a model of a read whose tags left DG2 out.
+    QImage faceImage;
     QImage signatureImage; ///< DG7; null where the chip has none.
 
-    /// Every file that was read, by its identifier, parsed where its content is known.
+    /// Every file that was read, by its identifier, parsed where its content is known. All of them are as signed but
+    /// EF.COM, which nothing signs and nothing here relies on.
     std::map<chip::DataGroupId, chip::DataGroup> dataGroupsRead;
     /// The hashes of the data groups as the issuer signed them (EF.SOD).
     std::map<chip::DataGroupId, chip::Bytes> dataGroupHashes;

@@ -8,6 +8,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QPointer>
 
 #include <atomic>
@@ -24,11 +25,22 @@ std::optional<chip::MasterList> loadMasterList(const QUrl& url)
 {
     constexpr qint64 kMostBytes = qint64 { 64 } << 20;
     QFile file(url.toLocalFile());
-    if (!url.isLocalFile() || !file.open(QIODevice::ReadOnly) || file.isSequential() || file.size() > kMostBytes)
+    // A pipe would be waited for without end.
+    const bool isFile = url.isLocalFile() && QFileInfo(file).isFile();
+    if (!isFile || !file.open(QIODevice::ReadOnly) || file.size() > kMostBytes)
         return std::nullopt;
     const QByteArray content = file.readAll();
     return chip::MasterList::parse(
         { reinterpret_cast<const std::uint8_t*>(content.constData()), static_cast<std::size_t>(content.size()) });
+}
+
+/// Leaves no copy of the text behind.
+std::optional<chip::MrzKey> keyOf(const QString& text)
+{
+    QByteArray characters = text.toUtf8();
+    auto key = chip::MrzKey::fromText({ characters.constData(), static_cast<std::size_t>(characters.size()) });
+    chip::wipe(characters.data(), static_cast<std::size_t>(characters.size()));
+    return key;
 }
 
 } // namespace
@@ -38,7 +50,7 @@ struct PassportReader::State
     /// What one read is about, handed to the reader's thread.
     struct Job
     {
-        QString mrzKey;
+        std::optional<chip::MrzKey> key; ///< Absent for a text that is none.
         chip::ReadWish wish;
         DisplayMessage displayMessage;
         Completed completed;
@@ -123,8 +135,8 @@ void PassportReader::readPassport(const QString& mrzKey, const QList<chip::DataG
         return;
     }
     d->cancel = std::make_shared<chip::CancelToken>();
-    State::Job job { mrzKey, { { tags.begin(), tags.end() }, skipSecureElements, {} }, std::move(customDisplayMessage),
-        std::move(completed), d->cancel, d->terminal, ++d->readNumber };
+    State::Job job { keyOf(mrzKey), { { tags.begin(), tags.end() }, skipSecureElements, {} },
+        std::move(customDisplayMessage), std::move(completed), d->cancel, d->terminal, ++d->readNumber };
     d->openSheet(d->cancel);
     d->queue.async([state = d.get(), job = std::move(job)]() mutable { state->read(std::move(job)); });
 }
@@ -164,8 +176,7 @@ chip::PassportReading::Outcome PassportReader::State::outcomeOf(Job& job)
     };
     if (!job.terminal)
         return failed(Kind::NoReader, "there is no contactless reader");
-    auto key = chip::MrzKey::fromText(job.mrzKey.toStdString());
-    if (!key)
+    if (!job.key)
         return failed(Kind::InvalidKey, "the text is no document's key");
     if (!masterListURL.isEmpty()) {
         if (!authorities)
@@ -176,7 +187,7 @@ chip::PassportReading::Outcome PassportReader::State::outcomeOf(Job& job)
     }
     QElapsedTimer clock;
     clock.start();
-    chip::PassportReading reading(std::move(*key), std::move(job.wish), *job.terminal, *job.cancel, patience,
+    chip::PassportReading reading(std::move(*job.key), std::move(job.wish), *job.terminal, *job.cancel, patience,
         [this, &job](const NFCViewDisplayMessage& message) { display(job, message); });
     auto outcome = reading.run();
     if (logLevel <= ReaderLogLevel::Debug) {

@@ -29,7 +29,8 @@ enum class ReaderLogLevel { Verbose = 0, Debug = 1, Info = 2, Warning = 3, Error
 class PassportReader
 {
 public:
-    /// The text to show, or nothing to show the library's own. Called on the reader's thread.
+    /// The text to show, or nothing to show the library's own. Called on the reader's thread. Like `Completed` it must
+    /// neither throw nor wait for the main thread, which may itself be waiting for this reader's end.
     using DisplayMessage = std::function<std::optional<QString>(const NFCViewDisplayMessage&)>;
     /// Exactly one of both is there. Called exactly once a read, never within `readPassport`: on the reader's thread,
     /// or, for a read that was refused because another is under way, on one of its own.

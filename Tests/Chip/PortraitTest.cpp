@@ -69,6 +69,73 @@ TEST(Portrait, AbsurdSizesAreRefusedBeforeTheDecoder)
     EXPECT_EQ(std::get<PortraitProblem>(decodePortrait(wide)), PortraitProblem::TooLarge);
 }
 
+/// A picture of one grey and thousands of empty passes over it.
+Bytes jpegOfManyScans(std::size_t scans)
+{
+    const Bytes quantization(64, 1);
+    Bytes picture = joined({ *fromHex("FFD8 FFDB 0043 00"), quantization,
+        *fromHex("FFC2 000B 08 0FA0 0FA0 01 011100"
+                 "FFC4 0014 00 01000000000000000000000000000000 00"
+                 "FFC4 0014 10 01000000000000000000000000000000 E0"
+                 "FFDA 0008 01 0100 00 00 00") });
+    for (std::size_t i = 0; i < scans; ++i)
+        picture = joined({ picture, *fromHex("FFDA 0008 01 0100 01 3F 00 0000") });
+    return joined({ picture, *fromHex("FFD9") });
+}
+
+/// The coding style's first field from the picture's codestream on, changed.
+Bytes withStyle(Bytes picture, std::size_t field, std::uint8_t value)
+{
+    const Bytes start = *fromHex("FF52");
+    const auto segment = std::search(picture.begin(), picture.end(), start.begin(), start.end());
+    EXPECT_NE(segment, picture.end());
+    segment[static_cast<std::ptrdiff_t>(4 + field)] = value;
+    return picture;
+}
+
+/// The same with precincts of this size at every level.
+Bytes withPrecincts(Bytes picture, std::uint8_t size)
+{
+    const Bytes box = bytes("jp2c"), start = *fromHex("FF52");
+    const auto head = std::search(picture.begin(), picture.end(), box.begin(), box.end());
+    std::fill(head - 4, head, 0); // up to the end of the file
+    picture = withStyle(picture, 0, 1);
+    const auto segment = std::search(picture.begin(), picture.end(), start.begin(), start.end());
+    const std::size_t levels = segment[9] + 1U;
+    segment[3] = static_cast<std::uint8_t>(segment[3] + levels);
+    picture.insert(segment + 14, levels, size);
+    return picture;
+}
+
+TEST(Portrait, CostlyOnesAreNotBegun)
+{
+    const auto problemOf = [](const Bytes& picture) {
+        const auto decoded = decodePortrait(picture);
+        const auto* const problem = std::get_if<PortraitProblem>(&decoded);
+        return problem ? std::optional(*problem) : std::nullopt;
+    };
+    // Thousands of passes over sixteen million pixels would take minutes.
+    EXPECT_EQ(problemOf(jpegOfManyScans(3000)), PortraitProblem::TooCostly);
+    EXPECT_EQ(problemOf(jpegOfManyScans(10)), std::nullopt) << "progressive pictures are none of them";
+    const Bytes plain = *encodePortrait(cornersPicture(), ImageKind::Jpeg2000, 300);
+    EXPECT_EQ(problemOf(withPrecincts(plain, 0xFF)), std::nullopt) << "one precinct, spelled out";
+    EXPECT_EQ(problemOf(withPrecincts(plain, 0x77)), std::nullopt);
+    // Half a kilobyte of memory for every four pixels.
+    EXPECT_EQ(problemOf(withPrecincts(plain, 0x11)), PortraitProblem::TooCostly);
+    EXPECT_EQ(problemOf(withStyle(withStyle(plain, 6, 0), 7, 0)), PortraitProblem::TooCostly) << "blocks of 4 by 4";
+    EXPECT_EQ(problemOf(withStyle(plain, 2, 0xFF)), PortraitProblem::TooCostly) << "65,281 layers";
+}
+
+TEST(Portrait, NoSecondFrameHeaderLiesBehindABareMarker)
+{
+    // For a decoder the marker ends at once, and 8,192 by 8,192 pixels follow.
+    Bytes picture = *fromHex("FFD8 FF01 FFC0 000B 08 2000 2000 01 011100");
+    picture.resize(4 + 0xFFC0, 0);
+    const Bytes small = *fromHex("FFC0 000B 08 0008 0008 01 011100 FFD9");
+    picture.insert(picture.end(), small.begin(), small.end());
+    EXPECT_FALSE(imageSizeOf(picture));
+}
+
 TEST(Portrait, NoOtherReaderIsReached)
 {
     // The head of a JPEG 2000 picture of 8 by 8 pixels, behind it a medical picture of the same size.

@@ -5,12 +5,21 @@
 
 CliProcess CliProcess::run(const QStringList& arguments)
 {
+    return run(arguments, {});
+}
+
+CliProcess CliProcess::run(const QStringList& arguments, const QByteArray& input, const QStringList& variables)
+{
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* display : { "DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM" })
         environment.remove(QLatin1String(display));
+    for (const QString& variable : variables)
+        environment.insert(variable.section(u'=', 0, 0), variable.section(u'=', 1));
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(KELVARA_CLI), arguments);
+    process.write(input);
+    process.closeWriteChannel();
     const bool ended = process.waitForFinished(240000) && process.exitStatus() == QProcess::NormalExit;
     return { ended ? process.exitCode() : -1, QString::fromUtf8(process.readAllStandardOutput()),
         QString::fromUtf8(process.readAllStandardError()) };

@@ -13,6 +13,7 @@
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QJsonDocument>
+#include <QSaveFile>
 
 #include <cstdio>
 #include <future>
@@ -85,6 +86,19 @@ Outcome read(const ChipOptions& options, const std::shared_ptr<chip::CardTermina
     return outcome.get();
 }
 
+/// What is there already stays until the new picture is whole; empty when it was written.
+QString writePortrait(const QImage& face, const QString& path)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return file.errorString();
+    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    QImageWriter writer(&file, QFileInfo(path).suffix().toLatin1());
+    if (!writer.write(face))
+        return writer.errorString();
+    return file.commit() ? QString() : file.errorString();
+}
+
 ExitCode codeOf(const NFCPassportReaderError& error)
 {
     using Kind = NFCPassportReaderError::Kind;
@@ -106,9 +120,12 @@ int runChipCommand(const QStringList& arguments)
     std::shared_ptr<chip::CardTerminal> terminal;
     if (options.softwareFile.isEmpty()) {
         const auto reader = std::make_shared<chip::PcscTerminal>(options.readerName.toStdString());
+        if (!reader->isServiceRunning()) {
+            complain(QStringLiteral("The reader service (pcscd) does not run."));
+            return Failed;
+        }
         if (!reader->isAvailable())
-            complain(reader->isServiceRunning() ? QStringLiteral("There is no contactless reader yet.")
-                                                : QStringLiteral("The reader service (pcscd) does not run."));
+            complain(QStringLiteral("There is no contactless reader yet."));
         terminal = reader;
     } else {
         const auto made = makeChip(options.softwareFile);
@@ -136,8 +153,9 @@ int runChipCommand(const QStringList& arguments)
         object = jsonOf(*outcome.passport);
         const QImage& face = outcome.passport->faceImage;
         QJsonObject portrait { { QStringLiteral("width"), face.width() }, { QStringLiteral("height"), face.height() } };
-        if (QImageWriter writer(options.portraitFile); !options.portraitFile.isEmpty() && !writer.write(face)) {
-            complain(QStringLiteral("%1 cannot be written: %2.").arg(options.portraitFile, writer.errorString()));
+        const QString problem = options.portraitFile.isEmpty() ? QString() : writePortrait(face, options.portraitFile);
+        if (!problem.isEmpty()) {
+            complain(QStringLiteral("%1 cannot be written: %2.").arg(options.portraitFile, problem));
             code = Failed;
         } else if (!options.portraitFile.isEmpty()) {
             portrait.insert(QStringLiteral("file"), options.portraitFile);
@@ -155,7 +173,11 @@ int runChipCommand(const QStringList& arguments)
     std::fwrite(json.constData(), 1, std::size_t(json.size()), stdout);
     if (!options.isPretty)
         std::fputc('\n', stdout);
-    return std::fflush(stdout) == 0 ? code : Failed;
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        complain(QStringLiteral("The result cannot be written."));
+        return Failed;
+    }
+    return code;
 }
 
 } // namespace kelvara::cli

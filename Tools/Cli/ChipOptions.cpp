@@ -1,10 +1,11 @@
 #include "Tools/Cli/ChipOptions.h"
 
-#include "Kelvara/DateText.h"
 #include "Kelvara/IDCardUtil.h"
 #include "Platform/Mrz/QKMRZParser.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QImageWriter>
 #include <QRegularExpression>
 
 namespace kelvara::cli {
@@ -50,6 +51,26 @@ std::optional<QString> standardInput()
     return QString::fromUtf8(input.read(kMost)).trimmed();
 }
 
+bool isSameFile(const QString& one, const QString& other)
+{
+    const QString path = QFileInfo(one).canonicalFilePath();
+    return !path.isEmpty() && path == QFileInfo(other).canonicalFilePath();
+}
+
+/// Everything that can be known to go wrong before a card is asked for; empty when there is nothing.
+QString problemOfPortrait(const ChipOptions& options)
+{
+    if (options.portraitFile.isEmpty())
+        return {};
+    const QByteArray suffix = QFileInfo(options.portraitFile).suffix().toLower().toLatin1();
+    if (!QImageWriter::supportedImageFormats().contains(suffix))
+        return QStringLiteral("--portrait needs a file whose suffix is a picture's, such as .png.");
+    if (isSameFile(options.portraitFile, options.softwareFile)
+        || isSameFile(options.portraitFile, options.masterListFile))
+        return QStringLiteral("--portrait would overwrite a file that is to be read.");
+    return {};
+}
+
 } // namespace
 
 std::optional<QString> accessKeyOfZone(const QString& zone)
@@ -61,13 +82,14 @@ std::optional<QString> accessKeyOfZone(const QString& zone)
     for (qsizetype at = 0; length > 0 && at < characters.size(); at += length)
         lines << characters.mid(at, length);
     const auto read = QKMRZParser().parse(lines);
-    if (!read || !read->allCheckDigitsValid)
+    if (!read || !read->allCheckDigitsValid || !read->birthDate || !read->expiryDate)
         return std::nullopt;
     IDCardUtil util(nullptr);
     constexpr qsizetype kLeastNumber = 9;
     util.setPassportNumber(read->documentNumber.leftJustified(kLeastNumber, u'<'));
-    util.setDateOfBirth(toString(*read->birthDate));
-    util.setExpiryDate(toString(*read->expiryDate));
+    // In Western digits, whatever the user's own are.
+    util.setDateOfBirth(read->birthDate->toString(QStringLiteral("yyMMdd")));
+    util.setExpiryDate(read->expiryDate->toString(QStringLiteral("yyMMdd")));
     return util.getMRZKey();
 }
 
@@ -89,8 +111,11 @@ std::variant<ChipOptions, CliEnd> parseChipOptions(const QStringList& arguments)
             value = arguments[++i];
         if (takesValue && (!value || value->isEmpty()))
             return wrong(QStringLiteral("%1 needs a value.").arg(word));
-        if ((word == u"--mrz" || word == u"--key") && value == QLatin1String("-"))
+        if ((word == u"--mrz" || word == u"--key") && value == QLatin1String("-")) {
             value = standardInput();
+            if (!value || value->isEmpty())
+                return wrong(QStringLiteral("There is nothing on standard input for %1.").arg(word));
+        }
         if (word == u"-h" || word == u"--help")
             return CliEnd { QString::fromUtf8(kHelp), 0 };
         if (word == u"--trace")
@@ -115,6 +140,8 @@ std::variant<ChipOptions, CliEnd> parseChipOptions(const QStringList& arguments)
             constexpr std::chrono::seconds kLongest { 86'400 };
             if (!isNumber || options.patience.count() < 1 || options.patience > kLongest)
                 return wrong(QStringLiteral("--wait needs a number of seconds from 1 to 86400."));
+        } else if (!word.startsWith(u"--")) { // not repeated: it may be a line of a zone that was not put in quotes
+            return wrong(QStringLiteral("There are words that belong to no option."));
         } else {
             return wrong(QStringLiteral("There is no option %1.").arg(word));
         }
@@ -131,6 +158,8 @@ std::variant<ChipOptions, CliEnd> parseChipOptions(const QStringList& arguments)
     }
     if (options.key.isEmpty() && options.softwareFile.isEmpty())
         return wrong(QStringLiteral("--mrz or --key is missing."));
+    if (const QString problem = problemOfPortrait(options); !problem.isEmpty())
+        return wrong(problem);
     if (options.isTraced && options.softwareFile.isEmpty())
         return wrong(QStringLiteral("--trace is for software chips: nothing records a real card."));
     return options;

@@ -147,8 +147,7 @@ bool MappedChipAuthentication::isProvenBy(const SecurityInfos& cardSecurity) con
 {
     for (const ChipAuthenticationPublicKeyInfo& info : cardSecurity.chipAuthenticationKeys) {
         // The same curve, however it was written down: an element of one group is taken for no other's.
-        if (info.key.group->kind() != group->kind() || info.key.group->fieldBits() != group->fieldBits()
-            || info.key.group->generator() != group->generator())
+        if (!info.key.group->isSame(*group))
             continue;
         const auto expected = group->power(info.key.element, data);
         if (expected && equalInConstantTime(*expected, mappingKey))

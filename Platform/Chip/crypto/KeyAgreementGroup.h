@@ -49,6 +49,9 @@ public:
     /// where the group has no such mapping or the number hits one of its few holes.
     [[nodiscard]] virtual std::optional<Bytes> mapped(ByteView pseudoRandom) const = 0;
 
+    /// Whether both are the same group with the same generator, however they were written down.
+    [[nodiscard]] bool isSame(const KeyAgreementGroup& other) const;
+
     /// A fresh pair; absent when `base` is no element.
     [[nodiscard]] std::optional<KeyPair> generateKeyPair(ByteView base, const RandomSource& random) const;
 };

@@ -47,8 +47,10 @@ std::optional<QSize> jpegSize(ByteView data)
             continue;
         }
         const bool isFrame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+        // Markers without a length: decoders go on behind them, and would come upon another frame header.
+        const bool isBare = marker == 0x01 || (marker >= 0xD0 && marker <= 0xD9);
         const std::size_t length = number(data, at + 2, 2);
-        if (marker == 0xDA || marker == 0xD9 || length < 2 || length > data.size() - at - 2)
+        if (marker == 0xDA || isBare || length < 2 || length > data.size() - at - 2)
             return std::nullopt;
         if (isFrame)
             return length < 8 ? std::nullopt : sizeOf(number(data, at + 7, 2), number(data, at + 5, 2));
@@ -75,27 +77,6 @@ std::optional<QSize> codestreamSize(ByteView data)
     return sizeOf(static_cast<std::uint32_t>(right - left), static_cast<std::uint32_t>(bottom - top));
 }
 
-/// Of the codestream in the boxes of a file (ITU-T T.800 §I.4).
-std::optional<QSize> jp2Size(ByteView data)
-{
-    while (data.size() >= 8) {
-        std::uint64_t length = number(data, 0, 4);
-        std::size_t head = 8;
-        if (length == 1 && data.size() >= 16) {
-            length = std::uint64_t { number(data, 8, 4) } << 32 | number(data, 12, 4);
-            head = 16;
-        }
-        if (length == 0)
-            length = data.size();
-        if (length < head || length > data.size())
-            return std::nullopt;
-        if (number(data, 4, 4) == kCodestreamBox)
-            return codestreamSize(data.subspan(head));
-        data = data.subspan(static_cast<std::size_t>(length));
-    }
-    return std::nullopt;
-}
-
 } // namespace
 
 EncodedImage EncodedImage::of(ByteView data)
@@ -110,13 +91,40 @@ ImageKind imageKindOf(ByteView data)
     return startsWith(data, kJp2) || startsWith(data, kCodestream) ? ImageKind::Jpeg2000 : ImageKind::Unknown;
 }
 
+// The boxes of a file are those of ITU-T T.800 §I.4.
+std::optional<ByteView> codestreamOf(ByteView data)
+{
+    if (startsWith(data, kCodestream))
+        return data;
+    if (!startsWith(data, kJp2))
+        return std::nullopt;
+    while (data.size() >= 8) {
+        std::uint64_t length = number(data, 0, 4);
+        std::size_t head = 8;
+        if (length == 1 && data.size() >= 16) {
+            length = std::uint64_t { number(data, 8, 4) } << 32 | number(data, 12, 4);
+            head = 16;
+        }
+        if (length == 0)
+            length = data.size();
+        if (length < head || length > data.size())
+            return std::nullopt;
+        if (number(data, 4, 4) == kCodestreamBox)
+            return data.subspan(head);
+        data = data.subspan(static_cast<std::size_t>(length));
+    }
+    return std::nullopt;
+}
+
 std::optional<QSize> imageSizeOf(ByteView data)
 {
     switch (imageKindOf(data)) {
     case ImageKind::Jpeg:
         return jpegSize(data);
-    case ImageKind::Jpeg2000:
-        return startsWith(data, kCodestream) ? codestreamSize(data) : jp2Size(data);
+    case ImageKind::Jpeg2000: {
+        const auto codestream = codestreamOf(data);
+        return codestream ? codestreamSize(*codestream) : std::nullopt;
+    }
     case ImageKind::Unknown:
         break;
     }

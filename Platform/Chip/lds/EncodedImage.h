@@ -22,6 +22,10 @@ struct EncodedImage
 /// What the first bytes say; Unknown for neither a JPEG stream nor a JPEG 2000 file or codestream.
 [[nodiscard]] ImageKind imageKindOf(ByteView data);
 
+/// The codestream of a JPEG 2000 picture, alone or in the boxes of a file; it may go on beyond its end. Absent for
+/// other kinds and where boxes are damaged.
+[[nodiscard]] std::optional<ByteView> codestreamOf(ByteView data);
+
 /// The picture's size in pixels, read from its header without decoding anything. Absent where the header is none, or
 /// where a JPEG 2000 header asks for more components or tiles than a portrait can have.
 [[nodiscard]] std::optional<QSize> imageSizeOf(ByteView data);

@@ -1,5 +1,7 @@
 #include "Platform/Chip/lds/Portrait.h"
 
+#include "Platform/Chip/lds/DecodingEffort.h"
+
 #include <opencv2/core.hpp>
 #include <opencv2/imgcodecs.hpp>
 
@@ -41,6 +43,8 @@ try {
     if (std::max(size->width(), size->height()) > kLongestPortraitSide
         || qint64 { size->width() } * size->height() > kMostPortraitPixels)
         return PortraitProblem::TooLarge;
+    if (!isDecodingModest(encoded))
+        return PortraitProblem::TooCostly;
     // The decoder reads only, though its interface does not say so.
     const cv::Mat input(1, static_cast<int>(encoded.size()), CV_8U, const_cast<std::uint8_t*>(encoded.data()));
     cv::Mat pixels = cv::imdecode(input, cv::IMREAD_COLOR | cv::IMREAD_IGNORE_ORIENTATION);

@@ -11,6 +11,7 @@ namespace kelvara::chip {
 enum class PortraitProblem {
     UnknownKind, ///< Neither JPEG nor JPEG 2000.
     TooLarge, ///< More pixels than a chip's picture can have; nothing was allocated for them.
+    TooCostly, ///< Decoding would take more time or memory than such a picture can be worth; it was not begun.
     Damaged, ///< The decoder gave up.
 };
 

@@ -24,6 +24,11 @@ QString nameOfProtocol(const PaceProtocol& protocol)
 
 std::optional<ReadStop> AccessOpening::open(ChipLine& line)
 {
+    // What counts is how this presentation is opened.
+    m_state.mapping.reset();
+    m_state.verification.pace = ProtocolOutcome::NotOffered;
+    m_state.verification.paceProtocol.clear();
+    m_state.verification.bac = ProtocolOutcome::NotOffered;
     if (auto stop = learnOffers(line))
         return stop;
     const auto selections = paceSelections(*m_state.cardAccess);
@@ -67,6 +72,7 @@ std::optional<ReadStop> AccessOpening::openByPace(ChipLine& line, const std::vec
         if (pace.failure())
             return afterFailure(*pace.failure(), m_state.verification.pace);
         line.protect(std::move(*pace.takeSession()));
+        m_state.isLocked = true;
         m_state.verification.pace = ProtocolOutcome::Succeeded;
         m_state.verification.paceProtocol = nameOfProtocol(selection.protocol);
         if (pace.chipAuthentication())
@@ -84,8 +90,7 @@ std::optional<ReadStop> AccessOpening::judgeMapping(ChipLine& line, const Mapped
     const Bytes* const file = m_state.shelf.file(DataGroupId::CardSecurity);
     const auto infos = file ? SecurityInfos::fromCardSecurity(*file) : std::nullopt;
     if (infos && mapped.isProvenBy(*infos)) {
-        m_state.verification.chipAuthentication = ProtocolOutcome::Succeeded;
-        m_state.verification.isChipAuthenticatedByPace = true;
+        m_state.mapping = mapped; // which says nothing yet of the document that the chip will show
         return std::nullopt;
     }
     m_state.verification.chipAuthentication = ProtocolOutcome::Failed;
@@ -112,11 +117,15 @@ std::optional<ReadStop> AccessOpening::openByBac(ChipLine& line)
     Bac bac(m_state.key);
     if (auto broken = line.run(bac))
         return *broken;
-    if (bac.failure() && bac.failure()->error == AccessError::Unsupported)
+    if (bac.failure() && bac.failure()->error == AccessError::Unsupported) {
+        if (m_state.isLocked) // it was another chip before, or is disturbed
+            return LineFailure { LineFailure::Kind::Nonsense, {}, bac.failure()->sw };
         return std::nullopt; // a chip that hands out its files to everybody, or to nobody: its files will tell
+    }
     if (bac.failure())
         return afterFailure(*bac.failure(), m_state.verification.bac);
     line.protect(std::move(*bac.takeSession()));
+    m_state.isLocked = true;
     m_state.verification.bac = ProtocolOutcome::Succeeded;
     return std::nullopt;
 }

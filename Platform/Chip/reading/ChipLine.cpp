@@ -1,13 +1,12 @@
 #include "Platform/Chip/reading/ChipLine.h"
 
+#include <chrono>
 #include <utility>
 
 namespace kelvara::chip {
 
 namespace {
 
-/// A whole document takes some hundreds; a chip that hands out its files byte by byte is not waited for.
-constexpr std::size_t kMostCommands = 20'000;
 constexpr std::size_t kLongestAnswer = 65'536 + 256;
 
 LineFailure failure(LineFailure::Kind kind, std::uint16_t sw)
@@ -21,9 +20,12 @@ ChipLine::Answer ChipLine::transmit(const CommandApdu& command)
 {
     if (m_cancel.isCancelled())
         return LineFailure { LineFailure::Kind::Transport, { TransportError::Kind::Cancelled, "cancelled" }, 0 };
-    if (++m_commands > kMostCommands)
+    if (m_budget.isSpent())
         return failure(LineFailure::Kind::Nonsense, 0);
+    ++m_commands;
+    const auto before = std::chrono::steady_clock::now();
     auto answer = m_channel.transmit(command.encoded());
+    m_budget.spend(std::chrono::steady_clock::now() - before);
     if (auto* error = std::get_if<TransportError>(&answer))
         return LineFailure { LineFailure::Kind::Transport, std::move(*error), 0 };
     auto response = ResponseApdu::decoded(std::get<Bytes>(answer));
@@ -37,8 +39,13 @@ ChipLine::Answer ChipLine::transmitWhole(const CommandApdu& command)
     constexpr std::uint8_t moreToCome = 0x61;
     Answer answer = transmit(command);
     Bytes pieces;
+    bool isGoingOn = false; ///< Only the first answer may announce more without bringing anything.
     while (auto* response = std::get_if<ResponseApdu>(&answer)) {
         const bool isPiece = response->sw >> 8 == moreToCome;
+        const bool isEmpty = isPiece && response->data.empty();
+        if (isEmpty && isGoingOn)
+            return failure(LineFailure::Kind::Nonsense, response->sw);
+        isGoingOn = true;
         if (!isPiece && pieces.empty())
             break;
         pieces.insert(pieces.end(), response->data.begin(), response->data.end());

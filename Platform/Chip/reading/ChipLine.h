@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/access/AccessProtocol.h"
+#include "Platform/Chip/reading/ReadBudget.h"
 #include "Platform/Chip/transport/CardTerminal.h"
 
 #include <memory>
@@ -16,7 +17,7 @@ struct LineFailure
         Transport, ///< See `transport`.
         SessionEnded, ///< The chip answered a protected command in the clear, with `sw`.
         Tampered, ///< The answer was not made with the session's keys.
-        Nonsense, ///< The answer is none, or there is no end of them.
+        Nonsense, ///< The answer is none, or there is no end of them: also once the read's budget is spent.
     };
 
     Kind kind = Kind::Nonsense;
@@ -31,8 +32,10 @@ class ChipLine
 public:
     using Answer = std::variant<ResponseApdu, LineFailure>;
 
-    /// Both live longer than this.
-    ChipLine(CardChannel& channel, const CancelToken& cancel) : m_channel(channel), m_cancel(cancel) { }
+    /// All three live longer than this.
+    ChipLine(CardChannel& channel, const CancelToken& cancel, ReadBudget& budget)
+        : m_channel(channel), m_cancel(cancel), m_budget(budget)
+    { }
 
     [[nodiscard]] Answer exchange(const CommandApdu& command);
 
@@ -53,6 +56,7 @@ private:
 
     CardChannel& m_channel;
     const CancelToken& m_cancel;
+    ReadBudget& m_budget;
     std::optional<SecureMessaging> m_session;
     std::size_t m_commands = 0;
 };

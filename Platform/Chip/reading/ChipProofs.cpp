@@ -21,9 +21,20 @@ bool isOurs(const AccessFailure& failure)
 std::optional<ReadStop> ChipProofs::authenticateChip(ChipLine& line)
 {
     ProtocolOutcome& outcome = m_state.verification.chipAuthentication;
-    if (outcome != ProtocolOutcome::NotOffered || !m_state.dataGroup14
-        || m_state.dataGroup14->chipAuthenticationKeys.empty())
+    if (outcome != ProtocolOutcome::NotOffered || !m_state.dataGroup14)
         return std::nullopt;
+    // EF.CardSecurity, which the mapping is checked against at first, is no file of this document's: a copy may bring
+    // its own, or another genuine document's.
+    if (m_state.mapping && m_state.mapping->isProvenBy(*m_state.dataGroup14)) {
+        outcome = ProtocolOutcome::Succeeded;
+        m_state.verification.isChipAuthenticatedByPace = true;
+        return std::nullopt;
+    }
+    if (m_state.dataGroup14->chipAuthenticationKeys.empty()) {
+        const bool isOffered = m_state.mapping || !m_state.dataGroup14->chipAuthentication.empty();
+        outcome = isOffered ? ProtocolOutcome::NotSupported : ProtocolOutcome::NotOffered;
+        return std::nullopt;
+    }
     const auto selection = chooseChipAuthentication(*m_state.dataGroup14);
     if (!selection) {
         outcome = ProtocolOutcome::NotSupported;

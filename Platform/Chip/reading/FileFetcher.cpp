@@ -6,6 +6,9 @@ namespace kelvara::chip {
 
 namespace {
 
+/// Of all files together. No chip holds a tenth of it, and nobody holds a card for as long as it takes.
+constexpr std::size_t kLargestDocument = std::size_t { 4 } << 20;
+
 /// Whether the chip has minded the length of a block rather than anything else.
 bool isAboutLength(std::uint16_t sw)
 {
@@ -30,6 +33,10 @@ std::optional<ReadStop> FileFetcher::fetch(ChipLine& line, DataGroupId id)
             return afterBreak(*broken, id);
         reading.feed(std::get<ResponseApdu>(answer));
         m_onPiece(id);
+        if (shelf.bytesRead() - reading.read() + reading.size().value_or(0) > kLargestDocument) {
+            shelf.drop(id);
+            return LineFailure { LineFailure::Kind::Nonsense, {}, 0 };
+        }
     }
     if (reading.state() == FileReading::State::Done) {
         shelf.finish();

@@ -59,6 +59,7 @@ void FileShelf::giveUp(DataGroupId id)
 void FileShelf::drop(DataGroupId id)
 {
     m_files.erase(id);
+    m_givenUp.erase(id);
     if (m_current != id)
         return;
     m_current.reset();

@@ -30,7 +30,7 @@ public:
     /// That reading is done: the file is put on the shelf.
     void finish();
     void giveUp(DataGroupId id);
-    /// Forgets what was read of the file, to begin anew.
+    /// Forgets what was read of the file, or that it was given up, to begin anew.
     void drop(DataGroupId id);
     /// The card is another presentation's.
     void resume();

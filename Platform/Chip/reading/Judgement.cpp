@@ -36,6 +36,22 @@ bool offers(const SecurityInfos& infos, const PaceInfo& wanted)
     });
 }
 
+/// Whether all that is known to be on offer by `signedInfos` is to be had by `infos`, in the same groups.
+bool offersAll(const SecurityInfos& infos, const SecurityInfos& signedInfos)
+{
+    const auto offered = paceSelections(infos);
+    const auto wanted = paceSelections(signedInfos);
+    const auto isHad = [&offered](const PaceSelection& one) {
+        return std::any_of(offered.begin(), offered.end(), [&one](const PaceSelection& other) {
+            return other.protocol == one.protocol && other.parameterId == one.parameterId
+                && other.group->isSame(*one.group);
+        });
+    };
+    return std::all_of(wanted.begin(), wanted.end(), isHad)
+        && std::all_of(signedInfos.pace.begin(), signedInfos.pace.end(),
+            [&infos](const PaceInfo& info) { return offers(infos, info); });
+}
+
 } // namespace
 
 bool ReadWish::wants(DataGroupId id) const
@@ -108,9 +124,7 @@ std::optional<ReadStop> Judgement::takeDataGroup14()
     if (!m_state.dataGroup14)
         return about(DataGroupId::DG14, m_state.error(Kind::UnreadableData, "DG14 holds no security infos"));
     // Whoever stands between card and reader can change what the chip offers, but not what it was signed to offer.
-    const auto& signedOffers = m_state.dataGroup14->pace;
-    m_state.verification.isAccessDowngraded = std::any_of(signedOffers.begin(), signedOffers.end(),
-        [this](const PaceInfo& info) { return !offers(*m_state.cardAccess, info); });
+    m_state.verification.isAccessDowngraded = !offersAll(*m_state.cardAccess, *m_state.dataGroup14);
     if (!m_state.verification.isAccessDowngraded)
         return std::nullopt;
     if (++m_state.downgrades == 1) { // or it was noise: what is said in the clear is asked for once more

@@ -16,6 +16,8 @@ std::string_view sentenceOf(PortraitProblem problem)
         return "the portrait is neither JPEG nor JPEG 2000";
     case PortraitProblem::TooLarge:
         return "the portrait has more pixels than a chip's picture can have";
+    case PortraitProblem::TooCostly:
+        return "the portrait would take more to decode than a chip's picture can";
     case PortraitProblem::Damaged:
         break;
     }

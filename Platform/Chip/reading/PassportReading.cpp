@@ -80,7 +80,10 @@ PassportReading::Outcome PassportReading::run()
             return std::move(*error);
     }
     m_progress.finish();
-    return m_judgement.conclude();
+    auto outcome = m_judgement.conclude();
+    if (m_cancel.isCancelled()) // whoever no longer wants the data does not get them
+        return m_state.error(Kind::UserCancelled, "cancelled");
+    return outcome;
 }
 
 PassportReading::Channel PassportReading::waitForCard(const std::optional<LineFailure>& lastBreak)
@@ -109,7 +112,7 @@ PassportReading::Stop PassportReading::present(CardChannel& channel)
     if (m_presentations == 1)
         m_state.blockSize = BlockSize::widest(channel.passesExtendedLength());
     m_state.shelf.resume();
-    ChipLine line(channel, m_cancel);
+    ChipLine line(channel, m_cancel, m_budget);
     Stop stop = AccessOpening(m_state, m_fetcher).open(line);
     if (!stop)
         stop = readFiles(line);
@@ -199,7 +202,8 @@ std::optional<NFCPassportReaderError> PassportReading::judgeBreak(const LineFail
     m_vainPresentations = gained() > m_gainedBefore ? 0 : m_vainPresentations + 1;
     m_gainedBefore = gained();
     const int most = kind == Kind::TagLost ? kVainWhenLost : kVainWhenBroken;
-    if (isWorthATry && !m_cancel.isCancelled() && m_vainPresentations < most && m_presentations < kMostPresentations)
+    if (isWorthATry && !m_budget.isSpent() && !m_cancel.isCancelled() && m_vainPresentations < most
+        && m_presentations < kMostPresentations)
         return std::nullopt;
     auto error = m_state.error(m_cancel.isCancelled() ? Kind::UserCancelled : kind, sentenceOf(broken), broken.sw);
     if (m_lastReport.kind == Event::readingDataGroup)

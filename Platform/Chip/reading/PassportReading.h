@@ -62,6 +62,7 @@ private:
     ReadState m_state;
     FileFetcher m_fetcher;
     Judgement m_judgement;
+    ReadBudget m_budget;
     ReadProgress m_progress;
     NFCViewDisplayMessage m_lastReport;
     std::size_t m_commands = 0;

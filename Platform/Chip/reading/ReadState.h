@@ -26,6 +26,10 @@ struct ReadState
     std::optional<SecurityObject> securityObject;
     std::optional<SecurityInfos> dataGroup14; ///< Only if its hash is the signed one.
 
+    /// What the chip authentication mapping of this presentation left behind, to be compared with the document's keys.
+    std::optional<MappedChipAuthentication> mapping;
+    bool isLocked = false; ///< The chip has asked for its key once.
+
     ChipVerification verification;
     int downgrades = 0; ///< Times that the chip seemed to offer less than what it was signed to offer.
     int brokenProofs = 0; ///< Times that the session which chip authentication agreed did not work.
