@@ -204,6 +204,19 @@ TEST_F(NfcStep, TwoPressesAreOneRead)
     EXPECT_EQ(stage->delegate.calls.count("nfc"), 1);
 }
 
+TEST_F(NfcStep, AReadThatEndsInAnotherStepSkipsNone)
+{
+    open({ nfcRead, selfie, jitsi });
+    acceptZone();
+    press();
+    stage->view->showSelfieView();
+    terminal->place(chipOf(profile()));
+    ASSERT_TRUE(spinUntil([&] { return stage->delegate.calls.contains("nfc"); }));
+    settle();
+    EXPECT_TRUE(stage->d().sdkModel->nfcData) << "what was read is the host's all the same";
+    EXPECT_EQ(stage->d().selectedViewType, selfie);
+}
+
 TEST_F(NfcStep, TheViewMayGoAtAnyMomentOfARead)
 {
     ChipProfile slow = profile();
