@@ -75,7 +75,8 @@ PlatformServices replayServices(QSize frame)
                  camera(AVCaptureDevicePosition::Back), camera(AVCaptureDevicePosition::Front)),
         .imageAnalysis = VisionDetectors::native(),
         .nfc = nullptr,
-        .userDefaults = UserDefaults::inMemory() };
+        .userDefaults = UserDefaults::inMemory(),
+        .masterListURL = {} };
 }
 
 /// From the view's constructor until the first frame's card and face are known on the main thread. The first iteration

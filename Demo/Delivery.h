@@ -10,9 +10,9 @@ namespace kelvara::demo {
 /// One picture as the delegate got it.
 struct DeliveredPicture
 {
-    QString argument; ///< The name of the call's argument: "image" or "cropImage".
+    QString argument; ///< The name of the call's argument: "image", "cropImage" or "faceImage".
     UIImage image;
-    QString base64;
+    QString base64; ///< Null where the call brings the image alone.
 };
 
 /// One call of the delegate.

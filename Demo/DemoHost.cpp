@@ -33,7 +33,7 @@ DemoHost::DemoHost(const QSize& size, PlatformServices services)
 qsizetype DemoHost::photographs() const
 {
     return std::count_if(m_deliveries.begin(), m_deliveries.end(),
-        [](const Delivery& delivery) { return !delivery.pictures.isEmpty(); });
+        [](const Delivery& delivery) { return delivery.method.startsWith(QLatin1String("didCapture")); });
 }
 
 QImage DemoHost::screen()
@@ -72,9 +72,10 @@ void DemoHost::didCaptureSelfiePhoto(QorvelKycView&, const UIImage& image, const
     note(QStringLiteral("didCaptureSelfiePhoto"), pair(image, imageBase64, cropImage, cropImageBase64));
 }
 
-void DemoHost::didReadNfc(QorvelKycView&, const NFCPassportModel&)
+void DemoHost::didReadNfc(QorvelKycView&, const NFCPassportModel& didRead)
 {
-    note(QStringLiteral("didReadNfc"));
+    m_passport = didRead;
+    note(QStringLiteral("didReadNfc"), { { QStringLiteral("faceImage"), UIImage(didRead.faceImage), QString() } });
 }
 
 void DemoHost::didClose(QorvelKycView&, const std::shared_ptr<SdkModel>& didDetect)

@@ -2,10 +2,13 @@
 
 #include "Demo/Delivery.h"
 #include "Kelvara/QorvelKycView.h"
+#include "Platform/Chip/NFCPassportModel.h"
 
 #include <QElapsedTimer>
 #include <QList>
 #include <QWidget>
+
+#include <optional>
 
 namespace kelvara::demo {
 
@@ -21,6 +24,9 @@ public:
     /// How many of them brought photographs.
     [[nodiscard]] qsizetype photographs() const;
     [[nodiscard]] qint64 elapsedMilliseconds() const { return m_clock.elapsed(); }
+
+    /// What the card's chip said; absent before it was read.
+    [[nodiscard]] const std::optional<NFCPassportModel>& passport() const { return m_passport; }
 
     /// The record that came with the close button; null before.
     [[nodiscard]] const std::shared_ptr<SdkModel>& record() const { return m_record; }
@@ -52,6 +58,7 @@ private:
 
     QElapsedTimer m_clock;
     QList<Delivery> m_deliveries;
+    std::optional<NFCPassportModel> m_passport;
     std::shared_ptr<SdkModel> m_record;
     QorvelKycView* const m_view;
 };

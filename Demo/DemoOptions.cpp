@@ -84,6 +84,7 @@ const QHash<QString, bool DemoOptions::*>& switches()
         { QStringLiteral("--camera"), &DemoOptions::camera },
         { QStringLiteral("--scripted"), &DemoOptions::scripted },
         { QStringLiteral("--by-hand"), &DemoOptions::byHand },
+        { QStringLiteral("--lose-card"), &DemoOptions::loseCard },
     };
     return options;
 }
@@ -93,6 +94,8 @@ QString contradiction(const DemoOptions& options)
     if (options.camera && !(options.cardFront.isEmpty() && options.cardBack.isEmpty() && options.selfie.isEmpty()))
         return QStringLiteral(
             "--camera takes its pictures from the device: leave out --card-front, --card-back and --selfie.");
+    if (options.camera && options.loseCard)
+        return QStringLiteral("--lose-card is for the demo's own chip: leave out --camera.");
     if (options.scripted && options.byHand)
         return QStringLiteral("--scripted and --by-hand exclude each other.");
     return {};
@@ -128,18 +131,20 @@ QString DemoOptions::usage()
 {
     return QString::fromUtf8(R"(Usage: ./run demo [options]
 
-Photographs both sides of an identity card and a selfie through the library's view, as a host application would, and
-leaves in the out folder: result.json, every picture the host was given, and every screen.
+Photographs both sides of an identity card and a selfie and reads the card's chip through the library's view, as a host
+application would, and leaves in the out folder: result.json, every picture the host was given, and every screen.
 
-Without options all pictures are specimens (no camera, no display and no real person's data needed) and a scripted
-person holds the card and presses the shutter.
+Without options all pictures are specimens (no camera, no reader, no display and no real person's data needed), the chip
+is played by software, and a scripted person holds the card and presses the buttons.
 
   --card-front PATH   your own picture of a card's front: a photo, a folder of photos, or a video
-  --card-back PATH    the same for its back
+  --card-back PATH    the same for its back; the chip gets what stands on the card
   --selfie PATH       the same for the face; what is not given stays a specimen
-  --camera            the device's own cameras; you press the shutter yourself
-  --by-hand           press the shutter yourself, with replayed pictures too (needs a display)
-  --scripted          let the scripted person press it with --camera too
+  --camera            the device's own cameras, and its contactless reader if there is one; you press the buttons
+                      yourself
+  --by-hand           press the buttons yourself, with replayed pictures too (needs a display)
+  --scripted          let the scripted person press them with --camera too
+  --lose-card         the card slips away once while its chip is read, and is held there again
   --size WxH          size of the window in points (390x844; with --camera 844x390)
   --seed N            other specimens (1)
   --limit SECONDS     give up after so long (60; by hand no limit unless given)

@@ -18,8 +18,9 @@ struct DemoOptions
     QString out = QStringLiteral("out/demo");
     std::optional<QSize> size; ///< Of the window in points; absent: 390×844, or 844×390 with a webcam.
     bool camera = false; ///< The device's own cameras instead of replayed ones.
-    bool scripted = false; ///< The scripted person presses the shutter although a real one could.
-    bool byHand = false; ///< A real person presses the shutter although the pictures are replayed.
+    bool scripted = false; ///< The scripted person presses the buttons although a real one could.
+    bool byHand = false; ///< A real person presses the buttons although the pictures are replayed.
+    bool loseCard = false; ///< The card slips away once while its chip is read.
     QString cardFront; ///< Still, folder or video; empty: a specimen.
     QString cardBack;
     QString selfie;

@@ -1,5 +1,6 @@
 #include "Demo/DemoRun.h"
 
+#include "Demo/ChipReport.h"
 #include "Demo/Diagnosis.h"
 #include "Demo/Gallery.h"
 #include "Demo/MrzReport.h"
@@ -40,17 +41,11 @@ QJsonObject cameraResult(const FrameTap& camera)
         { QStringLiteral("height"), std::max(0, camera.frameSize().height()) } };
 }
 
-/// With a contactless reader at hand the view reads the MRZ, which opens the card's chip.
+/// A contactless reader that nothing is ever held to: with one at hand the view reads the MRZ, chip or not.
 struct ContactlessPhone final : NFCReaderSession
 {
     [[nodiscard]] bool readingAvailable() const override { return true; }
 };
-
-const QList<ViewType>& steps()
-{
-    static const QList<ViewType> list { ViewType::idPhoto, ViewType::selfie };
-    return list;
-}
 
 } // namespace
 
@@ -60,7 +55,6 @@ DemoRun::DemoRun(const DemoOptions& options, bool hasDisplay)
       m_services(PlatformServices::native()), m_analysis(m_services.imageAnalysis)
 {
     m_services.userDefaults = nullptr; // a demonstration leaves no traces
-    m_services.nfc = std::make_shared<ContactlessPhone>();
 }
 
 DemoRun::~DemoRun() = default;
@@ -108,6 +102,13 @@ bool DemoRun::openReplay()
     m_back = std::make_shared<FrameTap>(stage->backCamera());
     m_front = std::make_shared<FrameTap>(stage->frontCamera());
     m_services.cameras = std::make_shared<ReplayCameraProvider>(m_back, m_front);
+    if (const HeldChip* chip = stage->chip()) {
+        m_services.nfc = NFCReaderSession::of(chip->terminal());
+        m_services.masterListURL = chip->masterListURL();
+        m_steps.append(ViewType::nfcRead);
+    } else {
+        m_services.nfc = std::make_shared<ContactlessPhone>();
+    }
     m_stage = std::move(stage);
     return true;
 }
@@ -132,13 +133,19 @@ bool DemoRun::openReal()
     m_stage = std::make_unique<RealStage>();
     say(QStringLiteral("Card: camera \"%1\". Selfie: camera \"%2\".")
             .arg(back->localizedName(), front->localizedName()));
+    if (m_services.nfc->readingAvailable()) {
+        m_steps.append(ViewType::nfcRead);
+    } else {
+        m_services.nfc = std::make_shared<ContactlessPhone>();
+        say(QStringLiteral("The chip is not read: this device has no contactless reader."));
+    }
     return true;
 }
 
 void DemoRun::runFlow()
 {
     m_host = std::make_unique<DemoHost>(m_size, m_services);
-    m_host->view().setViewTypes(steps());
+    m_host->view().setViewTypes(m_steps);
     m_person = std::make_unique<ScriptedPerson>(*m_host, *m_stage, !m_byHand);
     m_nextDiagnosis = kPatienceMilliseconds;
 
@@ -153,6 +160,8 @@ void DemoRun::runFlow()
         m_isComplete = true;
         QTimer::singleShot(m_byHand ? kFarewellMilliseconds : 0, m_person.get(), &ScriptedPerson::leave);
     });
+    connect(
+        m_person.get(), &ScriptedPerson::gaveUp, this, [stop] { stop(QStringLiteral("The flow was not completed.")); });
     connect(m_host.get(), &DemoHost::closed, this, [this, stop] {
         stop(m_isComplete ? QString() : QStringLiteral("The view was closed before the flow was complete."));
     });
@@ -220,6 +229,8 @@ int DemoRun::report()
                 + (m_person->unreadyMilliseconds() == 0
                         ? QStringLiteral("The shutter was ready to be pressed.")
                         : whatIsMissing(*subject, activeCamera()->lastFrame(), m_host->size(), m_analysis));
+        else if (const QString trouble = m_person->chipTrouble(); !trouble.isEmpty())
+            m_failure += QLatin1Char(' ') + trouble;
     }
     QJsonArray screens;
     for (const Screen& screen : std::as_const(m_screens))
@@ -232,22 +243,24 @@ int DemoRun::report()
         m_failure = QStringLiteral("A base64 text does not hold the picture it was given with; see result.json.");
 
     QJsonArray stepNames;
-    for (const ViewType step : steps())
+    for (const ViewType step : m_steps)
         stepNames.append(description(step));
-    m_folder.writeResult({ { QStringLiteral("completed"), m_failure.isEmpty() },
-        { QStringLiteral("failure"), m_failure }, { QStringLiteral("seed"), static_cast<qint64>(m_options.seed) },
-        { QStringLiteral("steps"), stepNames }, { QStringLiteral("width"), m_size.width() },
-        { QStringLiteral("height"), m_size.height() }, { QStringLiteral("byHand"), m_byHand },
-        { QStringLiteral("flowMilliseconds"), m_flowMilliseconds }, { QStringLiteral("delegateCalls"), deliveries },
-        { QStringLiteral("mrz"), mrzReport(m_host->record()) }, { QStringLiteral("backCamera"), cameraResult(*m_back) },
-        { QStringLiteral("frontCamera"), cameraResult(*m_front) }, { QStringLiteral("screens"), screens },
-        { QStringLiteral("gallery"), gallery } });
+    m_folder.writeResult(
+        { { QStringLiteral("completed"), m_failure.isEmpty() }, { QStringLiteral("failure"), m_failure },
+            { QStringLiteral("seed"), static_cast<qint64>(m_options.seed) }, { QStringLiteral("steps"), stepNames },
+            { QStringLiteral("width"), m_size.width() }, { QStringLiteral("height"), m_size.height() },
+            { QStringLiteral("byHand"), m_byHand }, { QStringLiteral("flowMilliseconds"), m_flowMilliseconds },
+            { QStringLiteral("delegateCalls"), deliveries }, { QStringLiteral("mrz"), mrzReport(m_host->record()) },
+            { QStringLiteral("chip"), chipReport(m_host->passport()) },
+            { QStringLiteral("backCamera"), cameraResult(*m_back) },
+            { QStringLiteral("frontCamera"), cameraResult(*m_front) }, { QStringLiteral("screens"), screens },
+            { QStringLiteral("gallery"), gallery } });
     if (!m_folder.problem().isEmpty())
         return fail(BadInput, m_folder.problem());
     if (!m_failure.isEmpty())
         return fail(NotCompleted, m_failure);
 
-    say(QStringLiteral("Complete after %1 s: %2 photographs, %3 screens, %4 more in the gallery.\n"
+    say(QStringLiteral("Complete after %1 s: %2 photographs, %8, %3 screens, %4 more in the gallery.\n"
                        "Cameras: %5 frames a second at the back, %6 at the front.\n"
                        "See %7")
             .arg(static_cast<double>(m_flowMilliseconds) / 1000, 0, 'f', 1)
@@ -256,7 +269,8 @@ int DemoRun::report()
             .arg(gallery.size())
             .arg(m_back->framesPerSecond(), 0, 'f', 1)
             .arg(m_front->framesPerSecond(), 0, 'f', 1)
-            .arg(m_folder.path()));
+            .arg(m_folder.path(),
+                m_host->passport() ? QStringLiteral("the chip read") : QStringLiteral("no chip read")));
     return Completed;
 }
 

@@ -33,6 +33,7 @@ private:
     [[nodiscard]] bool openCameras();
     [[nodiscard]] bool openReplay();
     [[nodiscard]] bool openReal();
+    void openReader();
     void runFlow();
     void watch();
     void warnAboutSmallPrint();
@@ -51,6 +52,7 @@ private:
     const QSize m_size;
     ResultFolder m_folder;
     PlatformServices m_services;
+    QList<ViewType> m_steps { ViewType::idPhoto, ViewType::selfie };
     PictureAnalysis m_analysis;
     std::unique_ptr<Stage> m_stage;
     std::shared_ptr<FrameTap> m_back;

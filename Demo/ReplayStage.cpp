@@ -1,6 +1,8 @@
 #include "Demo/ReplayStage.h"
 
 #include "Demo/PictureFitter.h"
+#include "Demo/PicturedCard.h"
+#include "Demo/SpecimenCard.h"
 #include "Demo/SpecimenScenes.h"
 
 #include <cstdio>
@@ -17,6 +19,12 @@ std::size_t slot(Subject subject)
     return static_cast<std::size_t>(subject);
 }
 
+void say(const QString& line)
+{
+    std::puts(qUtf8Printable(line));
+    std::fflush(stdout);
+}
+
 std::shared_ptr<ReplayCamera> cameraOn(
     const std::shared_ptr<CardMovie>& movie, const QString& name, AVCaptureDevicePosition position)
 {
@@ -31,7 +39,8 @@ std::shared_ptr<ReplayCamera> cameraOn(
 } // namespace
 
 ReplayStage::ReplayStage(const DemoOptions& options, ScanAreas areas, PictureAnalysis analysis)
-    : m_seed(options.seed), m_paths { options.cardFront, options.cardBack, options.selfie }, m_areas(areas),
+    : m_seed(options.seed),
+      m_losesCard(options.loseCard), m_paths { options.cardFront, options.cardBack, options.selfie }, m_areas(areas),
       m_analysis(std::move(analysis))
 { }
 
@@ -55,6 +64,7 @@ std::optional<QString> ReplayStage::open()
     m_roomMovie = std::make_shared<CardMovie>(m_areas.frame, scenes.backdrop(Subject::Selfie), shake);
     m_back = cameraOn(m_tableMovie, QStringLiteral("Replayed back camera"), AVCaptureDevicePosition::Back);
     m_front = cameraOn(m_roomMovie, QStringLiteral("Replayed front camera"), AVCaptureDevicePosition::Front);
+    makeChip();
     return std::nullopt;
 }
 
@@ -72,17 +82,20 @@ std::optional<QString> ReplayStage::openPictures()
     return std::nullopt;
 }
 
-MovieClip ReplayStage::fitted(Subject subject) const
+MovieClip ReplayStage::fitted(Subject subject)
 {
     const auto& source = m_sources[slot(subject)];
     const QImage first = source->latest();
     const PictureFit fit = PictureFitter(m_analysis, m_areas).fit(first, subject);
+    m_fits[slot(subject)] = fit.toFrame;
     const QString outcome = fit.found ? QStringLiteral("was found")
         : fit.takenForCard            ? QStringLiteral("was not found; the picture is taken to be the card itself")
                                       : QStringLiteral("was not found; the picture is shown as a whole");
-    std::printf("%s (%d×%d): %s %s.\n", qUtf8Printable(m_paths[slot(subject)]), first.width(), first.height(),
-        subject == Subject::Selfie ? "a face" : "the card", qUtf8Printable(outcome));
-    std::fflush(stdout);
+    say(QStringLiteral("%1 (%2×%3): %4 %5.")
+            .arg(m_paths[slot(subject)])
+            .arg(first.width())
+            .arg(first.height())
+            .arg(subject == Subject::Selfie ? QStringLiteral("a face") : QStringLiteral("the card"), outcome));
 
     MovieClip clip;
     if (source->moves()) {
@@ -94,6 +107,44 @@ MovieClip ReplayStage::fitted(Subject subject) const
             QRect(QPoint(), m_areas.frame).adjusted(-kShakeMargin, -kShakeMargin, kShakeMargin, kShakeMargin));
     }
     return clip;
+}
+
+std::optional<CardContents> ReplayStage::contents() const
+{
+    const auto pictured = [this](Subject side) -> std::optional<PicturedCard> {
+        const auto& source = m_sources[slot(side)];
+        return source ? std::optional(PicturedCard(source->latest(), m_fits[slot(side)], m_areas)) : std::nullopt;
+    };
+    CardContents contents = specimenCard(m_seed);
+    if (const auto back = pictured(Subject::CardBack)) {
+        const auto zone = back->zone();
+        if (!zone)
+            return std::nullopt;
+        contents.zone = *zone;
+        contents.holder.reset(); // nobody knows more of this holder than the zone tells
+        contents.document.reset();
+    }
+    if (const auto front = pictured(Subject::CardFront)) {
+        contents.portrait = front->portrait(m_analysis);
+        contents.isPortraitInvented = false;
+    }
+    return contents;
+}
+
+void ReplayStage::makeChip()
+{
+    const auto card = contents();
+    if (!card) {
+        say(QStringLiteral("The chip is not read: the machine-readable zone that would open it cannot be read from "
+                           "\"%1\".")
+                .arg(m_paths[slot(Subject::CardBack)]));
+        return;
+    }
+    auto made = HeldChip::make(*card, m_losesCard);
+    if (const auto* problem = std::get_if<QString>(&made))
+        say(QStringLiteral("The chip is not read, as none can be made: %1").arg(*problem));
+    else
+        m_chip = std::get<std::unique_ptr<HeldChip>>(std::move(made));
 }
 
 void ReplayStage::present(Subject subject)
@@ -110,6 +161,18 @@ void ReplayStage::present(Subject subject)
 bool ReplayStage::settled() const
 {
     return m_tableMovie->settled() && m_roomMovie->settled();
+}
+
+void ReplayStage::holdToReader()
+{
+    if (m_chip)
+        m_chip->hold();
+}
+
+void ReplayStage::takeFromReader()
+{
+    if (m_chip)
+        m_chip->takeAway();
 }
 
 } // namespace kelvara::demo

@@ -20,9 +20,11 @@ bool samePixels(const QImage& one, const QImage& other)
         && one.convertToFormat(QImage::Format_ARGB32) == other.convertToFormat(QImage::Format_ARGB32);
 }
 
-/// "didCaptureIdFrontPhoto", "cropImage" → "id-front-crop".
+/// "didCaptureIdFrontPhoto", "cropImage" → "id-front-crop"; the chip's portrait is "chip-portrait".
 QString fileNameOf(const Delivery& delivery, const DeliveredPicture& picture)
 {
+    if (picture.argument == QStringLiteral("faceImage"))
+        return QStringLiteral("chip-portrait");
     QString name = delivery.method;
     name.remove(QStringLiteral("didCapture")).remove(QStringLiteral("Photo"));
     name.replace(QRegularExpression(QStringLiteral("(?<=[a-z])(?=[A-Z])")), QStringLiteral("-"));
@@ -78,18 +80,23 @@ QString ResultFolder::write(const QString& kind, const QString& name, const QIma
 
 QJsonObject ResultFolder::writePicture(const Delivery& delivery, const DeliveredPicture& picture)
 {
+    const QImage given = picture.image;
+    const bool hasText = !picture.base64.isNull();
     const auto decoded
         = QByteArray::fromBase64Encoding(picture.base64.toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
-    const QByteArray& png = decoded.decoded;
-    const QImage given = picture.image;
+    const QByteArray png = hasText ? decoded.decoded : UIImagePNGRepresentation(picture.image).value_or(QByteArray());
     const QString file = nextName(QStringLiteral("picture"), fileNameOf(delivery, picture));
     writeFile(file, png);
-    return { { QStringLiteral("argument"), picture.argument }, { QStringLiteral("file"), file },
+    QJsonObject written { { QStringLiteral("argument"), picture.argument }, { QStringLiteral("file"), file },
         { QStringLiteral("width"), given.width() }, { QStringLiteral("height"), given.height() },
-        { QStringLiteral("base64Characters"), picture.base64.size() }, { QStringLiteral("pngBytes"), png.size() },
-        { QStringLiteral("isBase64"), decoded.decodingStatus == QByteArray::Base64DecodingStatus::Ok },
+        { QStringLiteral("pngBytes"), png.size() },
         { QStringLiteral("isPng"), png.startsWith(QByteArray("\x89PNG\r\n\x1a\n", 8)) },
         { QStringLiteral("isTheSamePicture"), samePixels(QImage::fromData(png, "PNG"), given) } };
+    if (hasText) {
+        written.insert(QStringLiteral("base64Characters"), picture.base64.size());
+        written.insert(QStringLiteral("isBase64"), decoded.decodingStatus == QByteArray::Base64DecodingStatus::Ok);
+    }
+    return written;
 }
 
 QJsonArray ResultFolder::write(const QList<Delivery>& deliveries)
@@ -115,7 +122,7 @@ bool allSound(const QJsonArray& deliveries)
     return std::all_of(deliveries.begin(), deliveries.end(), [](const QJsonValue& delivery) {
         const QJsonArray pictures = delivery[QStringLiteral("pictures")].toArray();
         return std::all_of(pictures.begin(), pictures.end(), [](const QJsonValue& picture) {
-            return picture[QStringLiteral("isBase64")].toBool() && picture[QStringLiteral("isPng")].toBool()
+            return picture[QStringLiteral("isBase64")].toBool(true) && picture[QStringLiteral("isPng")].toBool()
                 && picture[QStringLiteral("isTheSamePicture")].toBool();
         });
     });

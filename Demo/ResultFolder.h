@@ -27,8 +27,8 @@ public:
     /// Writes a picture as `kind`-NN-`name`.png, numbered within its kind; the file's name.
     QString write(const QString& kind, const QString& name, const QImage& image);
 
-    /// Writes what the delegate got: each picture's file is the very PNG that its base64 text holds. The returned
-    /// objects say whether that is exactly the picture that came with it.
+    /// Writes what the delegate got: each picture's file is the very PNG that its base64 text holds, or one made here
+    /// where it came without such a text. The returned objects say whether that is exactly the picture it came with.
     [[nodiscard]] QJsonArray write(const QList<Delivery>& deliveries);
 
     void writeResult(const QJsonObject& result);

@@ -1,7 +1,10 @@
 #include "Demo/ScreenReader.h"
 
+#include "Platform/Chip/sheet/ReaderSheet.h"
+
 #include <QAbstractButton>
 #include <QLabel>
+#include <QProgressBar>
 
 #include <algorithm>
 
@@ -30,6 +33,11 @@ QAbstractButton* ScreenReader::closeButton() const
     return button(QStringLiteral("Kapat"));
 }
 
+QAbstractButton* ScreenReader::readButton() const
+{
+    return button(QStringLiteral("Tara"));
+}
+
 bool ScreenReader::isReady() const
 {
     const QAbstractButton* button = shutter();
@@ -54,6 +62,34 @@ bool ScreenReader::shows(const QString& text) const
     const auto labels = m_view->findChildren<QLabel*>();
     return std::any_of(labels.begin(), labels.end(),
         [&text](const QLabel* label) { return label->isVisible() && label->text() == text; });
+}
+
+chip::ReaderSheet* ScreenReader::sheet() const
+{
+    if (!m_view)
+        return nullptr;
+    const auto sheets = m_view->window()->findChildren<chip::ReaderSheet*>();
+    const auto wanted = std::find_if(
+        sheets.rbegin(), sheets.rend(), [](const chip::ReaderSheet* sheet) { return sheet->isVisible(); });
+    return wanted == sheets.rend() ? nullptr : *wanted;
+}
+
+std::optional<SheetPhase> ScreenReader::sheetPhase() const
+{
+    const chip::ReaderSheet* shown = sheet();
+    return shown ? std::optional(shown->phase()) : std::nullopt;
+}
+
+QString ScreenReader::sheetMessage() const
+{
+    const chip::ReaderSheet* shown = sheet();
+    return shown ? shown->accessibleDescription() : QString();
+}
+
+const QProgressBar* ScreenReader::sheetProgress() const
+{
+    const chip::ReaderSheet* shown = sheet();
+    return shown ? shown->findChild<QProgressBar*>() : nullptr;
 }
 
 } // namespace kelvara::demo

@@ -32,10 +32,17 @@ QString screenName(qsizetype scene, const char* state)
 
 } // namespace
 
-ScriptedPerson::ScriptedPerson(DemoHost& host, Stage& stage, bool pressesShutter, QObject* parent)
-    : QObject(parent), m_host(host), m_stage(stage), m_screen(host.view()), m_pressesShutter(pressesShutter)
+ScriptedPerson::ScriptedPerson(DemoHost& host, Stage& stage, bool pressesButtons, QObject* parent)
+    : QObject(parent), m_host(host), m_stage(stage), m_screen(host.view()), m_chipHand(m_screen, stage, pressesButtons),
+      m_pressesButtons(pressesButtons)
 {
     beginScene(0);
+    connect(&m_chipHand, &ChipHand::screenReached, this, &ScriptedPerson::reach);
+    connect(&m_chipHand, &ChipHand::pressed, this, &ScriptedPerson::press);
+    connect(&m_chipHand, &ChipHand::failed, this, [this] {
+        if (m_pressesButtons)
+            Q_EMIT gaveUp();
+    });
     connect(&m_timer, &QTimer::timeout, this, &ScriptedPerson::look);
     m_timer.start(kGlanceMilliseconds);
 }
@@ -67,11 +74,7 @@ void ScriptedPerson::look()
     if (m_sceneClock.elapsed() < kReactionMilliseconds)
         return;
     if (!awaited()) {
-        if (m_screen.shows(QString::fromUtf8("Süreç tamamlanmıştır."))) {
-            m_timer.stop();
-            reach(QStringLiteral("finished"));
-            Q_EMIT finished();
-        }
+        lookAfterPhotographs();
         return;
     }
     if (!m_presented) {
@@ -82,6 +85,15 @@ void ScriptedPerson::look()
         m_stage.present(*awaited());
     }
     waitForReadiness();
+}
+
+void ScriptedPerson::lookAfterPhotographs()
+{
+    if (m_chipHand.look() || !m_screen.shows(QString::fromUtf8("Süreç tamamlanmıştır.")))
+        return;
+    m_timer.stop();
+    reach(QStringLiteral("finished"));
+    Q_EMIT finished();
 }
 
 void ScriptedPerson::waitForReadiness()
@@ -96,7 +108,7 @@ void ScriptedPerson::waitForReadiness()
     if (m_readyClock.elapsed() < kSteadyMilliseconds)
         return;
     reach(screenName(m_scene, "ready"));
-    if (m_pressesShutter) {
+    if (m_pressesButtons) {
         m_readyClock.invalidate();
         press(m_screen.shutter());
     }

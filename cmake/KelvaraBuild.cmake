@@ -1,14 +1,16 @@
-# How every target of the tree is compiled: one place for warnings, sanitizers, the compiler cache and the
-# precompiled header that all modules share.
+# How every target of the tree is compiled: one place for warnings, sanitizers, the compiler cache and precompiled
+# headers.
 
 find_program(KELVARA_CCACHE ccache)
 if(KELVARA_CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${KELVARA_CCACHE}")
+    # Without these it takes no file with a precompiled header.
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_SLOPPINESS=pch_defines,time_macros"
+        "${KELVARA_CCACHE}")
 endif()
 
 add_library(kelvara_options INTERFACE)
 target_compile_options(kelvara_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
-                       -Woverloaded-virtual -fno-math-errno)
+                       -Woverloaded-virtual -fno-math-errno -pthread)
 target_compile_definitions(kelvara_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII
                            QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
 if(KELVARA_SANITIZE STREQUAL "address")
@@ -20,6 +22,21 @@ if(KELVARA_SANITIZE_FLAGS)
     target_compile_options(kelvara_options INTERFACE ${KELVARA_SANITIZE_FLAGS})
     target_link_options(kelvara_options INTERFACE ${KELVARA_SANITIZE_FLAGS})
 endif()
+
+# One precompiled header for all modules and one for all test programs (which are compiled as programs, not as
+# libraries): most of a file's time is Qt's and the standard library's headers.
+#   kelvara_precompile(<name> <option> LIBS libs… HEADERS headers…)
+function(kelvara_precompile name option)
+    cmake_parse_arguments(arg "" "" "LIBS;HEADERS" ${ARGN})
+    file(WRITE "${CMAKE_BINARY_DIR}/${name}.cpp" "// Nothing but its precompiled header is of use.\n")
+    add_library(${name} OBJECT "${CMAKE_BINARY_DIR}/${name}.cpp")
+    set_target_properties(${name} PROPERTIES AUTOMOC OFF POSITION_INDEPENDENT_CODE OFF)
+    target_compile_options(${name} PRIVATE ${option})
+    target_link_libraries(${name} PRIVATE kelvara_options ${arg_LIBS})
+    target_precompile_headers(${name} PRIVATE ${arg_HEADERS})
+endfunction()
+set(KELVARA_COMMON_HEADERS <algorithm> <array> <atomic> <chrono> <cmath> <functional> <map> <memory> <optional>
+    <string> <variant> <vector> <QImage> <QString> <QStringList>)
 
 # Static library from every .cpp of the calling folder and of the named folders in it.
 #   kelvara_module(<target> [FOLDERS names…] [PUBLIC libs…] [PRIVATE libs…])
@@ -36,6 +53,7 @@ function(kelvara_module target)
     set_target_properties(${target} PROPERTIES LINKER_LANGUAGE CXX)
     target_include_directories(${target} SYSTEM PRIVATE ${OpenCV_INCLUDE_DIRS})
     target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE kelvara_options ${arg_PRIVATE})
+    target_precompile_headers(${target} REUSE_FROM kelvara_headers)
     if(KELVARA_SANITIZE_FLAGS)
         target_link_options(${target} PUBLIC ${KELVARA_SANITIZE_FLAGS})
     endif()

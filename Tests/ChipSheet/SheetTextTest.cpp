@@ -1,4 +1,6 @@
 #include "Platform/Chip/sheet/SheetText.h"
+#include "Platform/Chip/sheet/SheetProgress.h"
+#include "Platform/Chip/sheet/SheetStyle.h"
 #include "Tests/ChipSheet/SheetRig.h"
 
 #include <QAccessible>
@@ -6,6 +8,7 @@
 #include <QProgressBar>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QThread>
 
 #include <set>
 
@@ -136,6 +139,30 @@ TEST(SheetTextTest, DrawsCirclesWithoutAFontForThem)
     EXPECT_NEAR(seen("🟢 🟢\n🟢", green), 3 * one, one / 20) << "equally large, whole, on lines of their own";
     EXPECT_EQ(seen("⚪️", green), 0);
     EXPECT_EQ(sheet::spokenText(kCircles), QString::fromUtf8("Kimliğiniz okunuyor…"));
+}
+
+TEST(SheetProgressTest, IsWhereItShouldBeHoweverBusyTheMachine)
+{
+    sheet::SheetProgress bar;
+    bar.resize(200, sheet::SheetProgress::kThickness);
+    bar.show();
+    const auto filled = [&bar] {
+        const QImage drawn = bar.grab().toImage();
+        int columns = 0;
+        for (int x = 0; x < drawn.width(); ++x)
+            columns += drawn.pixelColor(x, drawn.height() / 2) == sheet::kAccent;
+        return 100.0 * columns / drawn.width();
+    };
+    bar.advance(20, true);
+    EXPECT_LT(filled(), 19) << "it glides";
+    // Piece after piece, and no time for a frame in between.
+    for (int percent = 21; percent <= 60; ++percent) {
+        QThread::msleep(10);
+        bar.advance(percent, true);
+    }
+    EXPECT_GT(filled(), 40);
+    QThread::msleep(600);
+    EXPECT_NEAR(filled(), 60, 1);
 }
 
 TEST_F(SheetRig, TellsAssistiveTechnology)

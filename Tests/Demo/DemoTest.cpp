@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QImage>
 #include <QJsonArray>
+#include <QMap>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -74,7 +75,9 @@ QImage delivered(const QDir& folder, int call, int picture)
 {
     const QJsonObject entry = resultIn(folder)[text("delegateCalls")][call][text("pictures")][picture].toObject();
     const QImage image(folder.filePath(entry[text("file")].toString()), "PNG");
-    EXPECT_TRUE(entry[text("isBase64")].toBool() && entry[text("isPng")].toBool());
+    // The chip's portrait comes as an image alone.
+    EXPECT_TRUE(entry[text("isBase64")].toBool(entry[text("argument")] == text("faceImage")));
+    EXPECT_TRUE(entry[text("isPng")].toBool());
     EXPECT_TRUE(entry[text("isTheSamePicture")].toBool());
     EXPECT_EQ(image.size(), QSize(entry[text("width")].toInt(), entry[text("height")].toInt()));
     return image;
@@ -88,6 +91,37 @@ void expectMrzOf(const specimen::SpecimenData& data, const QJsonObject& result)
     EXPECT_EQ(mrz[text("personalNumber")].toString(), data.identityNumber);
     EXPECT_EQ(mrz[text("birthDate")].toString(), data.birthDate.toString(Qt::ISODate));
     EXPECT_EQ(mrz[text("expiryDate")].toString(), data.expiryDate.toString(Qt::ISODate));
+}
+
+/// The chip is that of the card whose zone was read, and was proven genuine.
+void expectChipOf(const specimen::SpecimenData& data, const QJsonObject& result)
+{
+    const QJsonValue chip = result[text("chip")];
+    const QJsonValue document = chip[text("document")];
+    EXPECT_EQ(document[text("number")], result[text("mrz")][text("documentNumber")]);
+    EXPECT_EQ(document[text("number")].toString(), data.documentNumber);
+    EXPECT_EQ(document[text("personalNumber")].toString(), data.identityNumber);
+    EXPECT_EQ(document[text("mrz")].toString(), data.mrzLines().join(QString()));
+    const QJsonValue proofs = chip[text("verification")];
+    EXPECT_EQ(proofs[text("pace")].toString(), text("succeeded"));
+    EXPECT_EQ(proofs[text("chipAuthentication")].toString(), text("succeeded"));
+    EXPECT_EQ(proofs[text("signature")].toString(), text("valid"));
+    EXPECT_EQ(proofs[text("signer")].toString(), text("trusted"));
+}
+
+QStringList screensOf(const QJsonObject& result, const char* kind)
+{
+    QStringList screens;
+    for (const QJsonValue& screen : result[text(kind)].toArray())
+        screens.append(screen.toString().section(QLatin1Char('-'), 2).chopped(4));
+    return screens;
+}
+
+/// The card's portrait as it is printed.
+QImage printedPortrait(const specimen::SpecimenData& data)
+{
+    const QImage front = specimen::printFront(data);
+    return front.copy(QTransform::fromScale(front.width(), front.height()).mapRect(specimen::portraitRect()).toRect());
 }
 
 TEST(Flow, CompletesAndLeavesProof)
@@ -104,13 +138,13 @@ TEST(Flow, CompletesAndLeavesProof)
     EXPECT_TRUE(folder.exists(text("holiday.png")));
 
     const QJsonObject result = resultIn(folder);
-    EXPECT_EQ(result[text("steps")].toArray(), QJsonArray({ text("idPhoto"), text("selfie") }));
+    EXPECT_EQ(result[text("steps")].toArray(), QJsonArray({ text("idPhoto"), text("selfie"), text("nfcRead") }));
     QStringList methods;
     for (const QJsonValue& call : result[text("delegateCalls")].toArray())
         methods.append(call[text("method")].toString());
     ASSERT_EQ(methods,
         QStringList({ text("didCaptureIdFrontPhoto"), text("didCaptureIdBackPhoto"), text("didCaptureSelfiePhoto"),
-            text("didClose") }));
+            text("didReadNfc"), text("didClose") }));
 
     const auto data = specimen::SpecimenData::fromSeed(7);
     expectMrzOf(data, result);
@@ -120,22 +154,37 @@ TEST(Flow, CompletesAndLeavesProof)
     EXPECT_NEAR(delivered(folder, 2, 0).width(), 682, 2);
     EXPECT_LT(delivered(folder, 2, 1).width(), 600);
 
-    QStringList screens;
+    expectChipOf(data, result);
+    const QJsonValue chip = result[text("chip")];
+    EXPECT_EQ(chip[text("details")][text("fullName")].toString(), data.givenNames + u' ' + data.surname);
+    EXPECT_FALSE(chip[text("details")][text("placeOfBirth")].toString().isEmpty());
+    QMap<QString, int> sizes;
+    for (const QJsonValue& file : chip[text("files")].toArray())
+        sizes.insert(file[text("file")].toString(), file[text("bytes")].toInt());
+    EXPECT_EQ(sizes.value(text("DG1")), 95) << "90 characters and three headers";
+    EXPECT_GT(sizes.value(text("DG2")), 10000);
+    for (const char* file : { "DG11", "DG12", "DG14", "EF.SOD" })
+        EXPECT_GT(sizes.value(text(file)), 0) << file;
+    const QImage printed = printedPortrait(data);
+    const QImage portrait = delivered(folder, 3, 0);
+    EXPECT_EQ(portrait.size(), printed.size());
+    EXPECT_GT(likeness(portrait, printed), 0.98);
+
     for (const char* kind : { "screens", "gallery" }) {
-        for (const QJsonValue& screen : result[text(kind)].toArray()) {
-            screens.append(screen.toString().section(QLatin1Char('-'), 2).chopped(4));
+        for (const QJsonValue& screen : result[text(kind)].toArray())
             EXPECT_EQ(QImage(folder.filePath(screen.toString())).size(), QSize(780, 1688))
-                << qPrintable(screens.last());
-        }
+                << qPrintable(screen.toString());
     }
-    EXPECT_EQ(screens,
-        QStringList(
-            { text("front-waiting"), text("front-ready"), text("flip-hint"), text("back-ready"), text("selfie-waiting"),
-                text("selfie-ready"), text("finished"), text("no-back-camera"), text("no-front-camera"),
-                text("nfc-required"), text("no-steps"), text("nfc-step-without-nfc"), text("waiting-for-the-call") }));
+    EXPECT_EQ(screensOf(result, "screens"),
+        QStringList({ text("front-waiting"), text("front-ready"), text("flip-hint"), text("back-ready"),
+            text("selfie-waiting"), text("selfie-ready"), text("chip-waiting"), text("chip-present"),
+            text("chip-reading"), text("chip-read"), text("finished") }));
+    EXPECT_EQ(screensOf(result, "gallery"),
+        QStringList({ text("no-back-camera"), text("no-front-camera"), text("nfc-required"), text("no-steps"),
+            text("nfc-step-without-nfc"), text("waiting-for-the-call") }));
 }
 
-TEST(Flow, TakesAPhonesPhotographsOnTheirSides)
+TEST(Flow, TakesAPhonesPhotographsOnTheirSidesAndALostCard)
 {
     const QTemporaryDir place;
     const auto data = specimen::SpecimenData::fromSeed(3);
@@ -153,13 +202,52 @@ TEST(Flow, TakesAPhonesPhotographsOnTheirSides)
 
     const QDir folder(place.filePath(text("out")));
     const DemoProcess demo = DemoProcess::run({ text("--card-front"), photo(specimen::Subject::Front, "front.jpg"),
-        text("--card-back"), photo(specimen::Subject::Back, "back.jpg"), text("--out"), folder.path(), text("--limit"),
-        text(kAmpleLimit) });
+        text("--card-back"), photo(specimen::Subject::Back, "back.jpg"), text("--out"), folder.path(),
+        text("--lose-card"), text("--limit"), text(kAmpleLimit) });
     ASSERT_EQ(demo.exitCode, 0) << qPrintable(demo.said + demo.complained);
     EXPECT_EQ(demo.said.count(text("the card was found")), 2) << qPrintable(demo.said);
     EXPECT_GT(likeness(delivered(folder, 0, 1), specimen::printFront(data)), 0.8);
     EXPECT_GT(likeness(delivered(folder, 1, 1), specimen::printBack(data)), 0.8);
-    expectMrzOf(data, resultIn(folder));
+    const QJsonObject result = resultIn(folder);
+    expectMrzOf(data, result);
+    expectChipOf(data, result);
+    EXPECT_EQ(result[text("chip")][text("details")].toObject(), QJsonObject()) << "nobody told of any";
+    // With more or less room around the face than is printed, yet the same person.
+    const QImage portrait = delivered(folder, 3, 0);
+    const QImage printed = printedPortrait(data);
+    EXPECT_NEAR(double(portrait.width()) / portrait.height(), 413.0 / 531, 0.03);
+    EXPECT_GT(portrait.width(), 200);
+    EXPECT_GT(likeness(portrait, printed), 0.6);
+    EXPECT_TRUE(screensOf(result, "screens").contains(text("chip-lost")));
+}
+
+/// Whose chip is held there is not the card that the camera saw at last.
+TEST(Flow, TellsThatTheChipIsAnotherCards)
+{
+    const QTemporaryDir place;
+    const QDir backs(place.filePath(text("backs")));
+    ASSERT_TRUE(backs.mkpath(text(".")));
+    specimen::SceneOptions options;
+    options.subject = specimen::Subject::Back;
+    options.size = QSize(1200, 850);
+    constexpr int kPictures = 60; // a quarter of a minute
+    for (int i = 0; i < kPictures; ++i) {
+        const QString path = backs.filePath(QStringLiteral("%1.jpg").arg(i, 2, 10, QLatin1Char('0')));
+        if (i < 2)
+            ASSERT_TRUE(specimen::photograph(specimen::SpecimenData::fromSeed(i == 0 ? 5 : 6), options)
+                            .image.save(path, "JPEG", 92));
+        else
+            ASSERT_TRUE(QFile::copy(backs.filePath(text("01.jpg")), path));
+    }
+    const QString out = place.filePath(text("out"));
+    const DemoProcess demo = DemoProcess::run(
+        { text("--card-back"), backs.path(), text("--out"), out, text("--limit"), text(kAmpleLimit) });
+    EXPECT_EQ(demo.exitCode, 1);
+    EXPECT_TRUE(demo.complained.contains(text("could not be read (WrongKey)"))) << qPrintable(demo.complained);
+    EXPECT_TRUE(demo.complained.contains(text("Kart, okunan bilgilerle açılamadı."))) << qPrintable(demo.complained);
+    const QJsonObject result = resultIn(QDir(out));
+    EXPECT_TRUE(result[text("chip")].isNull());
+    EXPECT_EQ(result[text("delegateCalls")].toArray().size(), 3) << "the photographs";
 }
 
 TEST(Flow, SaysWhatIsMissingWhenItGivesUp)
@@ -185,7 +273,11 @@ TEST(Flow, SaysWhatIsMissingWhenItGivesUp)
         EXPECT_TRUE(demo.complained.contains(text(row.sentence)))
             << qPrintable(demo.complained); // in time to get there
 #endif
-        EXPECT_FALSE(resultIn(QDir(out))[text("completed")].toBool(true));
+        const QJsonObject result = resultIn(QDir(out));
+        EXPECT_FALSE(result[text("completed")].toBool(true));
+        const bool hasZone = text(row.side) == text("--card-front");
+        EXPECT_EQ(result[text("steps")].toArray().contains(text("nfcRead")), hasZone);
+        EXPECT_EQ(demo.said.contains(text("The chip is not read")), !hasZone) << qPrintable(demo.said);
     }
 }
 
@@ -229,6 +321,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, DemoRefusals,
         Refusal { "NoTime", { text("--limit=0") }, "--limit cannot be \"0\"" },
         Refusal {
             "CameraAndFile", { text("--camera"), text("--selfie"), text("me.jpg") }, "--camera takes its pictures" },
+        Refusal { "LosesARealCard", { text("--camera"), text("--lose-card") }, "--lose-card is for" },
         Refusal { "NoSuchFile", { text("--selfie"), text("@/none.png") }, "There is no file or folder" },
         Refusal { "NotAPicture", { text("--card-front"), text("@/letter.jpg") }, "letter.jpg" },
         Refusal { "EmptyFolder", { text("--card-back"), text("@/empty") }, "empty" },

@@ -31,6 +31,14 @@ QImage pictureOf(const EncodedImage& encoded)
     return image ? std::move(*image) : QImage();
 }
 
+/// Turkish cards put a filler before the identity number in the optional data.
+QString withoutLeadingFillers(QString text)
+{
+    while (text.startsWith(u'<'))
+        text.remove(0, 1);
+    return text;
+}
+
 void fillZone(NFCPassportModel& model, const DataGroup1& zone)
 {
     model.documentCode = zone.documentCode;
@@ -45,7 +53,7 @@ void fillZone(NFCPassportModel& model, const DataGroup1& zone)
     const QDate today = QDate::currentDate();
     model.birthDate = mrzBirthDate(zone.birthDate, today);
     model.expiryDate = mrzExpiryDate(zone.expiryDate, today);
-    model.personalNumber = zone.optionalData;
+    model.personalNumber = withoutLeadingFillers(zone.optionalData);
     model.mrz = zone.lines.join(QString());
 }
 

@@ -3,14 +3,18 @@
 #include "Platform/Chip/sheet/SheetStyle.h"
 
 #include <QPainter>
+#include <QTimerEvent>
 
 #include <algorithm>
+#include <cmath>
 
 namespace kelvara::chip::sheet {
 
 namespace {
 
-constexpr int kGlideMilliseconds = 220;
+constexpr int kFrameMilliseconds = 16;
+constexpr double kGlideMilliseconds = 70; ///< In which two thirds of the way that is left are made.
+constexpr double kUnseen = 0.2; ///< Percent.
 
 } // namespace
 
@@ -20,26 +24,43 @@ SheetProgress::SheetProgress(QWidget* parent) : QProgressBar(parent), m_color(kA
     setValue(0);
     setTextVisible(false);
     setAccessibleName(QString::fromUtf8("Okuma ilerlemesi"));
-    m_glide.setDuration(kGlideMilliseconds);
-    m_glide.setEasingCurve(QEasingCurve::OutCubic);
-    connect(&m_glide, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
-        m_shown = value.toDouble();
-        update();
-    });
 }
 
 void SheetProgress::advance(int percent, bool glides)
 {
+    glide();
     setValue(std::clamp(percent, minimum(), maximum()));
-    m_glide.stop();
     if (!glides) {
+        m_timer.stop();
         m_shown = value();
         update();
+    } else if (!m_timer.isActive()) {
+        // Never begun anew on the way: where pieces come quicker than frames it would not move at all.
+        m_clock.start();
+        m_timer.start(kFrameMilliseconds, this);
+    }
+}
+
+void SheetProgress::glide()
+{
+    if (!m_timer.isActive())
+        return;
+    const double left = (value() - m_shown) * std::exp(-static_cast<double>(m_clock.restart()) / kGlideMilliseconds);
+    m_shown = value() - left;
+    if (std::abs(left) >= kUnseen)
+        return;
+    m_shown = value();
+    m_timer.stop();
+}
+
+void SheetProgress::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != m_timer.timerId()) {
+        QProgressBar::timerEvent(event);
         return;
     }
-    m_glide.setStartValue(m_shown);
-    m_glide.setEndValue(double(value()));
-    m_glide.start();
+    glide();
+    update();
 }
 
 void SheetProgress::setColor(const QColor& color)
@@ -50,6 +71,7 @@ void SheetProgress::setColor(const QColor& color)
 
 void SheetProgress::paintEvent(QPaintEvent*)
 {
+    glide();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);

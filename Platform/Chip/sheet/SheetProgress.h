@@ -1,7 +1,8 @@
 #pragma once
 
+#include <QBasicTimer>
+#include <QElapsedTimer>
 #include <QProgressBar>
-#include <QVariantAnimation>
 
 namespace kelvara::chip::sheet {
 
@@ -24,11 +25,16 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
 
 private:
+    /// On to where it is by now.
+    void glide();
+
     QColor m_color;
     double m_shown = 0; ///< Percent.
-    QVariantAnimation m_glide;
+    QBasicTimer m_timer; ///< Active while it glides.
+    QElapsedTimer m_clock; ///< Since it was where `m_shown` says.
 };
 
 } // namespace kelvara::chip::sheet
