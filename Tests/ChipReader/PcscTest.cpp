@@ -94,6 +94,9 @@ TEST_F(Pcsc, ReadsAFileThroughTheService)
 
 TEST_F(Pcsc, ReadsAWholeDocumentThroughTheService)
 {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "after Qt has forked for the service, the thread sanitizer misses the main thread's locks";
+#endif
     software::ChipProfile profile;
     profile.activeAuthentication.emplace();
     profile.activeAuthentication->rsaBits = 2048; // whose signature needs the extended length
