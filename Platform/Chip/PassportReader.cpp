@@ -12,6 +12,7 @@
 #include <QPointer>
 
 #include <atomic>
+#include <openssl/crypto.h>
 
 namespace kelvara {
 
@@ -155,6 +156,7 @@ void PassportReader::State::openSheet(const std::shared_ptr<chip::CancelToken>& 
 void PassportReader::State::read(Job job)
 {
     auto outcome = outcomeOf(job);
+    OPENSSL_thread_stop(); // what the cryptography keeps by thread ends with the read, its random state included
     auto* const error = std::get_if<NFCPassportReaderError>(&outcome);
     NFCViewDisplayMessage last { .kind = error ? Event::error : Event::successfulRead, .progress = error ? 0 : 100 };
     if (error)
