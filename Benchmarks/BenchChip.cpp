@@ -2,13 +2,13 @@
 #include "Platform/Chip/software/SoftwareTerminal.h"
 #include "Platform/Chip/transport/PcscTerminal.h"
 #include "Tests/Support/ReaderService.h"
+#include "Tools/Evaluate/ChipSamples.h"
 
 #include <QCoreApplication>
 
 #include <benchmark/benchmark.h>
 #include <chrono>
 #include <future>
-#include <random>
 
 // A whole read of EF.COM, SOD, DG1, DG2 of 17 kB, DG11 and DG14, against what the chip (played by software in the same
 // process) needs for its answers. "own" is the reader's part of the time, "apdu" how much of it each command takes.
@@ -67,21 +67,9 @@ enum Access { WithBac, WithPace, WithEverything };
 
 std::shared_ptr<SoftwareChip> document(Access access)
 {
-    static const TestAuthority authority = *TestAuthority::make();
-    ChipProfile profile;
-    profile.authority = authority;
-    QImage noise(300, 400, QImage::Format_RGB32);
-    std::mt19937 dice(1);
-    for (int y = 0; y < noise.height(); ++y) {
-        for (int x = 0; x < noise.width(); ++x)
-            noise.setPixel(x, y, qRgb(static_cast<int>(dice() % 256), x % 256, y % 256));
-    }
-    profile.portrait->picture = noise;
-    profile.portrait->quality = 47; // 17 kB
-    profile.details.emplace();
-    profile.details->personalNumber = QStringLiteral("12345678950");
-    if (access == WithBac)
-        profile.pace.clear();
+    ChipProfile profile = evaluate::usualProfile();
+    if (access != WithBac)
+        profile.pace = { {} };
     if (access != WithEverything) {
         profile.chipAuthentication.clear();
         if (access == WithBac)

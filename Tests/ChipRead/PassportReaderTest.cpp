@@ -1,6 +1,5 @@
 #include "Reader.h"
 
-#include <random>
 #include <thread>
 
 namespace kelvara {
@@ -8,22 +7,11 @@ namespace {
 
 using Event = NFCViewDisplayMessage::Kind;
 
-/// A profile whose DG2 has some 17 kilobytes, and DG11.
+/// A profile whose DG2 has some 17 kilobytes, and a full DG11.
 ChipProfile usualProfile()
 {
-    ChipProfile profile = plainProfile();
-    QImage noise(300, 400, QImage::Format_RGB32);
-    std::mt19937 dice(1);
-    for (int y = 0; y < noise.height(); ++y) {
-        for (int x = 0; x < noise.width(); ++x)
-            noise.setPixel(x, y, qRgb(static_cast<int>(dice() % 256), x % 256, y % 256));
-    }
-    profile.portrait->picture = noise;
-    profile.portrait->kind = chip::ImageKind::Jpeg2000;
-    profile.portrait->quality = 47;
-    profile.details.emplace();
+    ChipProfile profile = evaluate::usualProfile();
     profile.details->fullName = chip::HolderName { QStringLiteral("ERIKSSON"), QStringLiteral("ANNA MARIA") };
-    profile.details->personalNumber = QStringLiteral("12345678950");
     profile.details->placeOfBirth = { QStringLiteral("İstanbul") };
     return profile;
 }

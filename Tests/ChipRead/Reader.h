@@ -2,6 +2,7 @@
 
 #include "Platform/Chip/PassportReader.h"
 #include "Platform/Chip/software/SoftwareTerminal.h"
+#include "Tools/Evaluate/ChipSamples.h"
 
 #include <future>
 #include <gtest/gtest.h>
@@ -22,24 +23,8 @@ using ErrorKind = NFCPassportReaderError::Kind;
 
 using namespace std::chrono_literals;
 
-/// One issuer for all, so that not every test makes its keys.
-inline const TestAuthority& issuer()
-{
-    static const TestAuthority authority = *TestAuthority::make();
-    return authority;
-}
-
-/// A small and quick chip: BAC, chip authentication, a portrait of a kilobyte or two.
-inline ChipProfile plainProfile()
-{
-    ChipProfile profile;
-    profile.authority = issuer();
-    profile.pace.clear();
-    profile.portrait->picture = QImage(60, 80, QImage::Format_RGB32);
-    profile.portrait->picture.fill(Qt::darkCyan);
-    profile.portrait->kind = chip::ImageKind::Jpeg;
-    return profile;
-}
+using evaluate::issuer;
+using evaluate::plainProfile;
 
 inline std::shared_ptr<SoftwareChip> makeChip(const ChipProfile& profile)
 {

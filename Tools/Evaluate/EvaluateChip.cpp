@@ -3,6 +3,7 @@
 #include "Platform/Chip/PassportReader.h"
 #include "Platform/Chip/software/SoftwareTerminal.h"
 #include "Tools/Evaluate/ChipCombinations.h"
+#include "Tools/Evaluate/ChipSamples.h"
 
 #include <QCoreApplication>
 
@@ -16,24 +17,6 @@ using namespace kelvara::evaluate;
 using namespace std::chrono_literals;
 
 namespace {
-
-/// One issuer for all.
-const TestAuthority& issuer()
-{
-    static const TestAuthority authority = *TestAuthority::make();
-    return authority;
-}
-
-ChipProfile plainProfile()
-{
-    ChipProfile profile;
-    profile.authority = issuer();
-    profile.pace.clear();
-    profile.portrait->picture = QImage(60, 80, QImage::Format_RGB32);
-    profile.portrait->picture.fill(Qt::darkCyan);
-    profile.portrait->kind = ImageKind::Jpeg;
-    return profile;
-}
 
 /// How reads ended.
 struct Tally
