@@ -24,7 +24,7 @@ QorvelKycViewPrivate::QorvelKycViewPrivate(QorvelKycView* view, PlatformServices
       nfcReadLabel(new StatementLabel(view)), jitsiLabel(new StatementLabel(view)), jitsiButton(new ActionButton(view)),
       informationLabel(new StatementLabel(view)), nfcReadButton(new ActionButton(view)),
       informationNextButton(new ActionButton(view)), closeButton(new IconButton(view)),
-      flipImageView(new FlipImageView(view))
+      flipImageView(new FlipImageView(view)), jitsiMeetView(new JitsiMeetView(services.conference, view))
 {
     // Controls belong to no screen until one is composed.
     const auto controls = view->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
@@ -199,6 +199,21 @@ void QorvelKycView::showNfcView()
 void QorvelKycView::showJitsiView()
 {
     d->showJitsiView();
+}
+
+void QorvelKycView::setJitsiConference(const QString& url, const QString& room, const QString& token)
+{
+    d->setJitsiConference(url, room, token);
+}
+
+bool QorvelKycView::inJitsi() const
+{
+    return d->inJitsi;
+}
+
+void QorvelKycView::setDidConferenceTerminated(std::function<void(const std::optional<QVariantMap>&)> callback)
+{
+    d->didConferenceTerminated = std::move(callback);
 }
 
 std::optional<UIImage> QorvelKycView::getMyImage(const QString& named) const

@@ -9,8 +9,10 @@
 #include <QList>
 #include <QRectF>
 #include <QString>
+#include <QVariantMap>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -35,6 +37,7 @@ class QorvelKycView : public QWidget
     Q_OBJECT
     Q_PROPERTY(QList<kelvara::ViewType> viewTypes READ viewTypes WRITE setViewTypes)
     Q_PROPERTY(bool forceNfc READ forceNfc WRITE setForceNfc)
+    Q_PROPERTY(bool inJitsi READ inJitsi)
     Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
 
 public:
@@ -79,6 +82,24 @@ public:
     void showNfcView();
     /// Tells the delegate (`didDetectSdkDataBeforeJitsi`) and then changes to the video-call step.
     void showJitsiView();
+
+    /// Opens the video call: on the video-call step only, otherwise nothing happens at all. All three strings come from
+    /// the host's own server and are handed over as they are. The delegate's `didDetectSdkDataBeforeJitsi` comes before
+    /// the step changes, so that a call in there is too early and ignored; from the next turn of the event loop on it
+    /// is right. A second call ends the present conference and opens another one.
+    ///
+    /// What goes wrong is told to the person on the screen, and by `didConferenceTerminated`: an address that is none
+    /// (`QUrl::StrictMode`; one with blanks, for instance) leaves the conference without a server. While the call lasts
+    /// it lies over the step's controls, and with video `isScanning` is false: the call has the camera. It ends with
+    /// the step, should the host show another one.
+    void setJitsiConference(const QString& url, const QString& room, const QString& token);
+
+    /// From the moment that the conference is joined until it ends.
+    [[nodiscard]] bool inJitsi() const;
+
+    /// Called when a conference ends, whoever ended it, with what `JitsiMeetViewDelegate::conferenceTerminated` tells;
+    /// it may delete the view. Not called when the view itself goes. Initially absent.
+    void setDidConferenceTerminated(std::function<void(const std::optional<QVariantMap>&)> callback);
 
     /// An image of the library's own resources at this view's pixel ratio; absent for an unknown name.
     [[nodiscard]] std::optional<UIImage> getMyImage(const QString& named) const;

@@ -27,7 +27,8 @@ public:
     QorvelKycViewDelegate(const QorvelKycViewDelegate&) { }
     QorvelKycViewDelegate& operator=(const QorvelKycViewDelegate&) { return *this; }
 
-    /// The video-call step begins: all that was collected so far. The step itself changes only after this call.
+    /// The video-call step begins: all that was collected so far. The step itself changes only after this call, so
+    /// `QorvelKycView::setJitsiConference` is ignored in here: arrange the conference, and call it later.
     virtual void didDetectSdkDataBeforeJitsi(QorvelKycView& view, const std::shared_ptr<SdkModel>& didDetect) = 0;
 
     /// The card's front was photographed.

@@ -141,6 +141,7 @@ void QorvelKycViewPrivate::viewChange()
     add_removeCutoutSelfieView(false);
     add_removeNfcViews(false);
     removePreviewLayer();
+    settleCall();
     add_removeJitsiInfoViews(false);
 
     if (!noCameraText.isEmpty() && !frontCamera && selectedViewType == ViewType::selfie)
@@ -177,6 +178,7 @@ void QorvelKycViewPrivate::viewChange()
         }
         add_removeCloseButton(true);
     }
+    raiseCall();
     layoutScreen();
 }
 

@@ -146,6 +146,13 @@ void QorvelKycViewPrivate::add_removeJitsiInfoViews(bool isAdd)
     addOrRemove(isAdd, { jitsiLabel, jitsiButton });
 }
 
+void QorvelKycViewPrivate::add_removeJitsiView(bool isAdd)
+{
+    addOrRemove(isAdd, { jitsiMeetView });
+    if (isAdd)
+        layoutScreen();
+}
+
 void QorvelKycViewPrivate::add_removeCloseButton(bool isAdd)
 {
     addOrRemove(isAdd, { closeButton });
@@ -218,6 +225,9 @@ void QorvelKycViewPrivate::layoutScreen()
     }
     for (ActionButton* button : { informationNextButton, nfcReadButton, jitsiButton })
         button->setGeometry(30, height - 30 - 50, span(30), 50);
+
+    for (JitsiMeetView* call : q->findChildren<JitsiMeetView*>(QString(), Qt::FindDirectChildrenOnly))
+        call->setGeometry(q->rect());
 
     closeButton->setGeometry(width - 20 - 24, 20, 24, 24);
 

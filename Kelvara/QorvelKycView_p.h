@@ -17,6 +17,8 @@
 #include "Platform/Capture/AVCaptureSession.h"
 #include "Platform/Capture/AVCaptureVideoDataOutput.h"
 #include "Platform/Capture/AVCaptureVideoPreviewLayer.h"
+#include "Platform/Conference/JitsiMeetView.h"
+#include "Platform/Conference/JitsiMeetViewDelegate.h"
 #include "Platform/Foundation/MainQueue.h"
 #include "Platform/Foundation/SerialQueue.h"
 #include "Platform/Imaging/CIImage.h"
@@ -31,6 +33,7 @@
 #include <QTimer>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -45,7 +48,7 @@ struct IDCardModel;
 /// Two threads meet here. The main thread owns all of it but the members under "Shared" and "videoQueue only".
 /// Whatever calls out to the host may come back with the view deleted: such operations hold a `QPointer` to the view
 /// and touch nothing after it turned null.
-class QorvelKycViewPrivate final : public AVCaptureVideoDataOutputSampleBufferDelegate
+class QorvelKycViewPrivate final : public AVCaptureVideoDataOutputSampleBufferDelegate, public JitsiMeetViewDelegate
 {
 public:
     QorvelKycViewPrivate(QorvelKycView* view, PlatformServices platform);
@@ -92,6 +95,7 @@ public:
     void add_removeInformationView(bool isAdd);
     void add_removeNfcViews(bool isAdd);
     void add_removeJitsiInfoViews(bool isAdd);
+    void add_removeJitsiView(bool isAdd);
     void add_removeCloseButton(bool isAdd);
     void add_removeCutoutView(bool isAdd);
     void add_removeCutoutSelfieView(bool isAdd);
@@ -169,6 +173,18 @@ public:
     void setIDCard(const std::shared_ptr<IDCardUtil>& holder);
     void callResultScreen(const std::shared_ptr<IDCardUtil>& holder);
 
+    // Video call: QorvelKycViewCall.cpp
+    void setJitsiConference(const QString& url, const QString& room, const QString& token);
+    void openJitsiMeet(const QString& url, const QString& room, const QString& token);
+    void conferenceWillJoin(const std::optional<QVariantMap>& data) override;
+    void conferenceJoined(const std::optional<QVariantMap>& data) override;
+    void conferenceTerminated(const std::optional<QVariantMap>& data) override;
+    void cleanUp();
+    /// The screen changes: a call belongs to its step, and nothing that earlier calls left may cover the next screen.
+    void settleCall();
+    /// A call that goes on lies over whatever screen was composed for its step.
+    void raiseCall();
+
     QorvelKycView* const q;
     const PlatformServices services;
 
@@ -221,6 +237,11 @@ public:
     ActionButton* informationNextButton;
     IconButton* closeButton;
     FlipImageView* flipImageView;
+
+    // Call.
+    JitsiMeetView* jitsiMeetView; ///< Owned by the view, like those that were joined before.
+    bool inJitsi = false;
+    std::function<void(const std::optional<QVariantMap>&)> didConferenceTerminated;
 
     // What was captured last.
     std::optional<UIImage> capturedImage;

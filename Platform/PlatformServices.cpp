@@ -2,6 +2,7 @@
 
 #include "Platform/Capture/QtCameraProvider.h"
 #include "Platform/Chip/NFCReaderSession.h"
+#include "Platform/Conference/ConferenceService.h"
 #include "Platform/Foundation/UserDefaults.h"
 #include "Platform/Vision/VisionDetectors.h"
 
@@ -15,6 +16,7 @@ PlatformServices PlatformServices::native()
         .nfc = NFCReaderSession::native(),
         .userDefaults = UserDefaults::standard(),
         .masterListURL = {},
+        .conference = ConferenceService::native(),
     };
 }
 

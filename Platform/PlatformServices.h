@@ -7,6 +7,7 @@
 namespace kelvara {
 
 class CameraProvider;
+class ConferenceService;
 class NFCReaderSession;
 class UserDefaults;
 class VisionDetectors;
@@ -23,9 +24,10 @@ struct PlatformServices
     /// A local file with the authorities that a chip's signer must have been certified by: a state's master list, or
     /// certificates in PEM or DER. Empty: signers are not checked, and the model says so.
     QUrl masterListURL;
+    std::shared_ptr<ConferenceService> conference; ///< Null: a device without video calls.
 
     /// The device's own: real cameras through Qt Multimedia, OpenCV detectors, its contactless reader where one is
-    /// connected or built in, stored user defaults.
+    /// connected or built in, stored user defaults, the web engine for calls.
     [[nodiscard]] static PlatformServices native();
 };
 

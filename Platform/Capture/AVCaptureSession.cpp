@@ -5,6 +5,7 @@
 #include "Platform/Capture/AVCaptureVideoDataOutput.h"
 #include "Platform/Capture/AVCaptureVideoPreviewLayer.h"
 #include "Platform/Capture/CaptureHub.h"
+#include "Platform/Foundation/CameraArbiter.h"
 
 #include <algorithm>
 
@@ -58,7 +59,10 @@ struct AVCaptureSession::State
     void updateReceivers() { hub->setReceivers(outputs, previews); }
 };
 
-AVCaptureSession::AVCaptureSession(QObject* parent) : QObject(parent), d(std::make_unique<State>()) { }
+AVCaptureSession::AVCaptureSession(QObject* parent) : QObject(parent), d(std::make_unique<State>())
+{
+    connect(&CameraArbiter::shared(), &CameraArbiter::interruptedChanged, this, &AVCaptureSession::update);
+}
 
 AVCaptureSession::~AVCaptureSession()
 {
@@ -105,7 +109,8 @@ void AVCaptureSession::update()
             output->firstConnection()->setSensorRotation(d->active->device()->sensorRotation());
     d->updateReceivers();
 
-    const bool possible = d->wanted && d->active && d->active->device()->isConnected();
+    const bool possible = d->wanted && d->active && d->active->device()->isConnected()
+        && !CameraArbiter::shared().isInterrupted();
     if (!possible) {
         d->stop();
     } else if (!d->running) {

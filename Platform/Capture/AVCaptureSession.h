@@ -18,7 +18,8 @@ class AVCaptureVideoPreviewLayer;
 ///
 /// Frames count only while the session runs: what a device still sends after `stopRunning` is dropped. A camera that
 /// is unplugged stops the session (`isRunning` turns false); when it is back, the session runs again unless
-/// `stopRunning` was called in between. Several changes between `beginConfiguration` and `commitConfiguration` take
+/// `stopRunning` was called in between. The same while something else of this process has claimed the cameras, as a
+/// video call does (`CameraArbiter`): the session is interrupted and goes on afterwards. Several changes between `beginConfiguration` and `commitConfiguration` take
 /// effect together at the commit.
 class AVCaptureSession : public QObject
 {
@@ -49,7 +50,8 @@ public:
     void addOutput(const std::shared_ptr<AVCaptureVideoDataOutput>& output);
     [[nodiscard]] const std::vector<std::shared_ptr<AVCaptureVideoDataOutput>>& outputs() const;
 
-    /// Starts the input's device; does nothing without an input. Running or not is told by `isRunning`.
+    /// Starts the input's device, or as soon as it can be had; does nothing without an input. Running or not is told by
+    /// `isRunning`.
     void startRunning();
     void stopRunning();
     [[nodiscard]] bool isRunning() const;

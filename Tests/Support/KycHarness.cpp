@@ -92,7 +92,8 @@ PlatformServices Device::services() const
             : hasNfc    ? std::make_shared<NfcPhone>()
                         : nullptr,
         .userDefaults = UserDefaults::inMemory(),
-        .masterListURL = {} };
+        .masterListURL = {},
+        .conference = conference };
 }
 
 Stage::Stage(Device made, QSize size)

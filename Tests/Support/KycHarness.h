@@ -4,6 +4,7 @@
 #include "Kelvara/QorvelKycView_p.h"
 #include "Platform/Capture/ReplayCamera.h"
 #include "Platform/Chip/NFCReaderSession.h"
+#include "Platform/Conference/ConferenceService.h"
 #include "Platform/Foundation/UserDefaults.h"
 #include "Platform/Vision/VisionDetectors.h"
 
@@ -121,6 +122,7 @@ struct Device
     ToldDetectors eyes;
     std::shared_ptr<const TextRectangleDetector> text; ///< Null: no text is seen.
     bool hasNfc = false;
+    std::shared_ptr<ConferenceService> conference; ///< Null: no video calls.
     std::shared_ptr<chip::CardTerminal> terminal; ///< Where cards come from; implies NFC.
 
     static std::shared_ptr<ReplayCamera> camera(AVCaptureDevicePosition position, ReplayCameraOptions options = {});

@@ -1,0 +1,120 @@
+#include "Kelvara/QorvelKycView_p.h"
+#include "Platform/Conference/JitsiMeetConferenceOptionsBuilder.h"
+
+#include <array>
+#include <cstdio>
+
+namespace kelvara {
+
+namespace {
+
+/// All set to false: the call is a talk with a representative and nothing else. "meeting-name.enabled" comes twice and
+/// "resolution" as a switch, as conference servers have been getting them from the start.
+constexpr std::array kSwitchedOff {
+    "add-people.enabled",
+    "invite.enabled",
+    "raise-hand.enabled",
+    "video-share.enabled",
+    "toolbox.alwaysVisible",
+    "toolbox.enabled",
+    "live-streaming.enabled",
+    "chat.enabled",
+    "meeting-password.enabled",
+    "meeting-name.enabled",
+    "calendar.enabled",
+    "conference-timer.enabled",
+    "call-integration.enabled",
+    "close-captions.enabled",
+    "kick-out.enabled",
+    "meeting-name.enabled",
+    "pip.enabled",
+    "recording.enabled",
+    "resolution",
+    "server-url-change.enabled",
+    "tile-view.enabled",
+};
+
+void say(const char* line)
+{
+    std::puts(line);
+    std::fflush(stdout);
+}
+
+} // namespace
+
+void QorvelKycViewPrivate::setJitsiConference(const QString& url, const QString& room, const QString& token)
+{
+    if (selectedViewType != ViewType::jitsi)
+        return;
+    add_removeJitsiInfoViews(false);
+    add_removeJitsiView(true);
+    openJitsiMeet(url, room, token);
+}
+
+void QorvelKycViewPrivate::openJitsiMeet(const QString& url, const QString& room, const QString& token)
+{
+    const auto options = JitsiMeetConferenceOptions::fromBuilder([&](JitsiMeetConferenceOptionsBuilder& builder) {
+        builder.setServerURL(QUrl(url, QUrl::StrictMode)); // an invalid one counts as none
+        builder.setRoom(room);
+        builder.setToken(token);
+        builder.setAudioOnly(false);
+        builder.setAudioMuted(false);
+        builder.setVideoMuted(false);
+        builder.setWelcomePageEnabled(false);
+        for (const char* flag : kSwitchedOff)
+            builder.setFeatureFlag(QString::fromLatin1(flag), false);
+    });
+    // The view that joins is not the one on the screen; the call is seen there all the same, as a process has only one.
+    jitsiMeetView = new JitsiMeetView(services.conference, q);
+    jitsiMeetView->hide();
+    jitsiMeetView->setDelegate(this);
+    jitsiMeetView->join(options);
+}
+
+void QorvelKycViewPrivate::conferenceWillJoin(const std::optional<QVariantMap>&)
+{
+    say("conferenceWillJoin");
+}
+
+void QorvelKycViewPrivate::conferenceJoined(const std::optional<QVariantMap>&)
+{
+    say("conferenceJoined");
+    inJitsi = true;
+}
+
+void QorvelKycViewPrivate::conferenceTerminated(const std::optional<QVariantMap>& data)
+{
+    onMain([this] { cleanUp(); });
+    if (const auto callback = didConferenceTerminated) { // a copy: it may replace itself
+        const QPointer<QorvelKycView> view(q);
+        callback(data);
+        if (!view)
+            return;
+    }
+    inJitsi = false;
+}
+
+void QorvelKycViewPrivate::cleanUp()
+{
+    add_removeJitsiView(false);
+}
+
+void QorvelKycViewPrivate::settleCall()
+{
+    if (selectedViewType == ViewType::jitsi && jitsiMeetView->isInConference())
+        return;
+    jitsiMeetView->leave();
+    for (JitsiMeetView* call : q->findChildren<JitsiMeetView*>(QString(), Qt::FindDirectChildrenOnly))
+        call->hide();
+}
+
+void QorvelKycViewPrivate::raiseCall()
+{
+    if (!jitsiMeetView->isInConference())
+        return;
+    add_removeJitsiInfoViews(false);
+    for (JitsiMeetView* call : q->findChildren<JitsiMeetView*>(QString(), Qt::FindDirectChildrenOnly))
+        call->raise();
+}
+
+} // namespace kelvara

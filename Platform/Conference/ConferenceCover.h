@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+
+class QLabel;
+class QPushButton;
+
+namespace kelvara {
+
+/// What stands over a conference view while there is no picture: that it is connecting, or what went wrong. Takes all
+/// clicks. Internal to this room; main thread.
+class ConferenceCover final : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit ConferenceCover(QWidget* parent);
+
+    void showConnecting();
+    /// A sentence that stays until it is dismissed.
+    void showMessage(const QString& sentence);
+
+Q_SIGNALS:
+    /// The person wants to wait no longer, or has read the sentence.
+    void dismissed();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void tell(const QString& sentence, const QString& action);
+    void paintSign(QPainter& painter) const;
+    [[nodiscard]] QRectF signRect() const;
+
+    QWidget* m_sign; ///< The place of the turning arc or the warning.
+    QLabel* m_sentence;
+    QPushButton* m_action;
+    QTimer m_turning;
+    int m_turn = 0; ///< Degrees.
+    bool m_isConnecting = false;
+};
+
+} // namespace kelvara
