@@ -59,6 +59,7 @@ export class Representative {
         this._context = this._canvas.getContext('2d', { alpha: false });
         this._began = performance.now();
         this._timer = 0;
+        this._writer = null;
         this._draw(pose(5));
     }
 
@@ -77,15 +78,28 @@ export class Representative {
         // A timer, not the screen's own beat: that one stands still while the page is covered.
         this._timer = setInterval(() => {
             const now = pose((performance.now() - this._began) / 1000);
-            if (picture)
+            if (picture) {
                 this._draw(now);
+                this._send();
+            }
             this.onSpeech(now.mouth);
         }, 1000 / picturesPerSecond);
     }
 
-    /// The living picture's track.
+    /// The living picture's track. Fed by hand: a canvas's own stream waits for the page to be painted.
     track() {
-        return this._canvas.captureStream(picturesPerSecond).getVideoTracks()[0];
+        if (!window.MediaStreamTrackGenerator)
+            return this._canvas.captureStream(picturesPerSecond).getVideoTracks()[0];
+        const track = new MediaStreamTrackGenerator({ kind: 'video' });
+        this._writer = track.writable.getWriter();
+        return track;
+    }
+
+    _send() {
+        if (!this._writer || this._writer.desiredSize <= 0)
+            return; // the line is busy: better late than piled up
+        const frame = new VideoFrame(this._canvas, { timestamp: Math.round((performance.now() - this._began) * 1000) });
+        this._writer.write(frame).catch(() => frame.close());
     }
 
     stop() { clearInterval(this._timer); }
