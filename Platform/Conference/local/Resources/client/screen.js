@@ -83,15 +83,15 @@ export class Screen {
         return playing;
     }
 
-    showOwn({ track, sendsVideo, sendsAudio, muted }) {
+    showOwn({ track, sendsVideo, sendsAudio }) {
         const video = element('own');
         const shown = video.srcObject ? video.srcObject.getVideoTracks()[0] : null;
         if (shown !== track)
             video.srcObject = track ? new MediaStream([track]) : null;
         this._own.toggleAttribute('data-video', sendsVideo);
         this._own.toggleAttribute('data-audio', sendsAudio);
-        element('toggleAudio').setAttribute('aria-pressed', muted.audio);
-        element('toggleVideo').setAttribute('aria-pressed', muted.video);
+        element('toggleAudio').setAttribute('aria-pressed', !sendsAudio);
+        element('toggleVideo').setAttribute('aria-pressed', !sendsVideo);
     }
 
     showSpeaking(speaks) {
