@@ -34,9 +34,9 @@ TEST(LocalConferenceCall, EndsInEveryWayWithItsOwnEvents)
 {
     ConferenceStage stage;
     const Ending endings[] = {
-        { "command", [](auto&, auto& page) { page.evaluate(QStringLiteral("api.executeCommand('hangup')")); }, leftCourse },
-        { "button",
-            [](auto&, auto& page) { page.evaluate(QStringLiteral("client.getElementById('hangup').click()")); },
+        { "command", [](auto&, auto& page) { page.evaluate(QStringLiteral("api.executeCommand('hangup')")); },
+            leftCourse },
+        { "button", [](auto&, auto& page) { page.evaluate(QStringLiteral("client.getElementById('hangup').click()")); },
             leftCourse },
         { "representative", [](auto& s, auto&) { s.server.hangUp(); }, leftCourse },
         { "lost line", [](auto& s, auto&) { s.server.dropCall(); }, lostCourse },
@@ -72,7 +72,8 @@ TEST(LocalConferenceCall, GivesRoomTokenAndOptionsAsTheHostMeantThem)
     const QString rooms[] = { QStringLiteral("düz"), QStringLiteral("banka/görüşme 7"), QStringLiteral("ığüşöçİĞ"),
         QStringLiteral("a#b?c&d=e\"f'g<h>+i"), QStringLiteral("a;b:c@d,e{f}|g^h") };
     const QString token = QStringLiteral("ey.J-_~+/=&#ş 1");
-    const QJsonObject wanted { { QStringLiteral("startAudioOnly"), true }, { QStringLiteral("toolbarButtons"), QJsonArray() },
+    const QJsonObject wanted { { QStringLiteral("startAudioOnly"), true },
+        { QStringLiteral("toolbarButtons"), QJsonArray() },
         { QStringLiteral("subject"), QStringLiteral("Ad & \"Soyad\" #1 = %41") },
         { QStringLiteral("nested"), QJsonObject { { QStringLiteral("a.b"), QJsonArray { 1, QJsonValue(), true } } } },
         { QStringLiteral("__proto__"), QStringLiteral("x") } };
@@ -83,7 +84,8 @@ TEST(LocalConferenceCall, GivesRoomTokenAndOptionsAsTheHostMeantThem)
         QJsonObject options = config(wanted);
         options[QLatin1String("interfaceConfigOverwrite")] = look;
         options[QLatin1String("jwt")] = token;
-        options[QLatin1String("userInfo")] = QJsonObject { { QStringLiteral("displayName"), QStringLiteral("Çağ Öz") } };
+        options[QLatin1String("userInfo")]
+            = QJsonObject { { QStringLiteral("displayName"), QStringLiteral("Çağ Öz") } };
         page.embed(stage.server.url(), room, options);
         ASSERT_TRUE(page.waitFor(joinedEvent)) << page.errorName().toStdString();
         EXPECT_EQ(page.dataOf(joinedEvent)[QLatin1String("roomName")].toString(), room);
@@ -138,7 +140,8 @@ TEST(LocalConferenceCall, ShowsTheRepresentativesLivingPicture)
         },
         30000));
     // Silence is no life: the sound must be received as well.
-    EXPECT_EQ(page.evaluate(QStringLiteral("client.getElementById('remote').srcObject.getAudioTracks().length")).toInt(), 1);
+    EXPECT_EQ(
+        page.evaluate(QStringLiteral("client.getElementById('remote').srcObject.getAudioTracks().length")).toInt(), 1);
 }
 
 TEST(LocalConferenceCall, GoesOnWithWhatThePersonSends)

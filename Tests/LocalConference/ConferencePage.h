@@ -50,10 +50,12 @@ public:
     explicit ConferencePage(QWebEngineProfile& profile, Permission permission = Permission::Granted)
         : QWebEnginePage(&profile)
     {
-        connect(this, &QWebEnginePage::featurePermissionRequested, this, [=, this](const QUrl& origin, Feature feature) {
-            setFeaturePermission(origin, feature,
-                permission == Permission::Granted ? PermissionGrantedByUser : PermissionDeniedByUser);
-        });
+        setVisible(true); // timers of hidden pages beat once a second
+        connect(
+            this, &QWebEnginePage::featurePermissionRequested, this, [=, this](const QUrl& origin, Feature feature) {
+                setFeaturePermission(origin, feature,
+                    permission == Permission::Granted ? PermissionGrantedByUser : PermissionDeniedByUser);
+            });
     }
 
     /// Embeds the room from the server's own origin. Options beyond these override them.

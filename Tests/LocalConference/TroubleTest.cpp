@@ -51,7 +51,8 @@ TEST(LocalConferenceTrouble, RefusesTokensAndKeepsThemToItself)
         EXPECT_EQ(asked.last(), row.token);
         EXPECT_EQ(page.errorName(), row.accepted ? QString() : QStringLiteral("connection.passwordRequired"));
         if (row.accepted) {
-            // Whatever a browser complains of names the page's address. A dead server makes it complain, and so does this.
+            // Whatever a browser complains of names the page's address. A dead server makes it complain, and so does
+            // this.
             page.evaluate(QStringLiteral("api.getIFrame().contentWindow.eval('console.error(location.href)')"));
             stage.server.close();
             EXPECT_TRUE(page.waitFor(errorEvent));

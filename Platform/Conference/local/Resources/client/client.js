@@ -95,7 +95,7 @@ async function connect() {
     representative.onSpeech = openness => {
         voice.follow(openness);
         if (isJoined)
-            screen.showSpeaking(openness > 0);
+            screen.showSpeaking(openness);
     };
     call = new Call({ video: !audioOnly, onLost: drop });
     mediaChanged();

@@ -1,7 +1,7 @@
 // The person's own camera and microphone. A call goes on without either.
 
 const patience = 4000;
-const picture = { facingMode: 'user', width: { ideal: 640 }, height: { ideal: 480 }, frameRate: { ideal: 20, max: 30 } };
+const picture = { facingMode: 'user', width: { ideal: 640 }, height: { ideal: 480 }, frameRate: { ideal: 15, max: 30 } };
 
 async function open(wanted) {
     if (!navigator.mediaDevices)

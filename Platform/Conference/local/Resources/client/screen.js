@@ -94,7 +94,15 @@ export class Screen {
         element('toggleVideo').setAttribute('aria-pressed', !sendsVideo);
     }
 
-    showSpeaking(speaks) {
+    /// How far the representative's mouth is open; 0 between sentences. The bars move with the picture and no oftener: a
+    /// style's own animation would have the whole screen painted at its full rate.
+    showSpeaking(openness) {
+        const speaks = openness > 0;
+        document.querySelectorAll('.speech u').forEach((bar, index) => {
+            bar.style.transform = `scaleY(${0.3 + 0.7 * openness * (index === 1 ? 1 : 0.65)})`;
+        });
+        if (document.body.hasAttribute('data-speaking') === speaks)
+            return;
         document.body.toggleAttribute('data-speaking', speaks);
         if (!document.body.hasAttribute('data-audio-only'))
             element('activity').textContent = speaks ? 'Konuşuyor' : 'Sizi dinliyor';
