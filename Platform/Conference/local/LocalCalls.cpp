@@ -4,11 +4,7 @@
 
 namespace kelvara {
 
-LocalCalls::LocalCalls(Observer joined, Observer left)
-    : m_joined(std::move(joined))
-    , m_left(std::move(left))
-{
-}
+LocalCalls::LocalCalls(Observer joined, Observer left) : m_joined(std::move(joined)), m_left(std::move(left)) { }
 
 QString LocalCalls::enter(Visit visit)
 {
@@ -20,7 +16,8 @@ QString LocalCalls::enter(Visit visit)
 
 LocalCalls::Call* LocalCalls::heardOf(const QString& name)
 {
-    const auto found = std::find_if(m_calls.begin(), m_calls.end(), [&](const Call& call) { return call.name == name; });
+    const auto found
+        = std::find_if(m_calls.begin(), m_calls.end(), [&](const Call& call) { return call.name == name; });
     if (found == m_calls.end())
         return nullptr;
     found->quietBeats = 0;

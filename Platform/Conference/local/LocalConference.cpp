@@ -30,8 +30,8 @@ class LocalConference::Server
 public:
     explicit Server(LocalConference& q)
         : calls([&q](const QString& room) { later(q, &LocalConference::joined, room); },
-            [&q](const QString& room) { later(q, &LocalConference::left, room); })
-        , routes(calls)
+            [&q](const QString& room) { later(q, &LocalConference::left, room); }),
+          routes(calls)
     {
         QObject::connect(&beats, &QTimer::timeout, &q, [this] { calls.beat(beatsOfPatience); });
         beats.setInterval(beatLength);
@@ -69,7 +69,9 @@ public:
 private:
     static void later(LocalConference& q, void (LocalConference::*signal)(const QString&), const QString& room)
     {
-        QMetaObject::invokeMethod(&q, [&q, signal, room] { Q_EMIT(q.*signal)(room); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            &q, [&q, signal, room] { Q_EMIT(q.*signal)
+                                     (room); }, Qt::QueuedConnection);
     }
 
     void answer(const QHttpServerRequest& request, QHttpServerResponder&& responder)
@@ -90,9 +92,7 @@ private:
     quint16 m_port = 0;
 };
 
-LocalConference::LocalConference(QObject* parent)
-    : QObject(parent)
-    , d(std::make_unique<Server>(*this))
+LocalConference::LocalConference(QObject* parent) : QObject(parent), d(std::make_unique<Server>(*this))
 {
     initLocalConferenceResources();
 }

@@ -58,8 +58,8 @@ public:
     /// (`errorOccurred`, "connection.droppedError"). `visits()` stays.
     void close();
 
-    /// Who may join; the token is empty for a room without. Null, as at first: everyone. Others get `errorOccurred` with
-    /// "connection.passwordRequired" and leave no visit. Asked in the middle of a request: the function must not
+    /// Who may join; the token is empty for a room without. Null, as at first: everyone. Others get `errorOccurred`
+    /// with "connection.passwordRequired" and leave no visit. Asked in the middle of a request: the function must not
     /// close or delete the conference.
     void setAcceptsToken(std::function<bool(const QString& token)> accepts);
 

@@ -9,6 +9,7 @@ import { Representative } from './representative.js';
 import { Screen } from './screen.js';
 import { Voice } from './voice.js';
 
+const patience = 15000;
 const embedder = new Embedder();
 const wanted = readAddress();
 const audioOnly = Boolean(wanted.config.startAudioOnly);
@@ -32,9 +33,7 @@ function mediaChanged() {
         if (call)
             call.send(kind, media.track(kind));
     }
-    screen.showOwn({
-        track: media.track('video'), sendsVideo: media.sends('video'), sendsAudio: media.sends('audio'), muted: media.muted,
-    });
+    screen.showOwn({ track: media.track('video'), sendsVideo: media.sends('video'), sendsAudio: media.sends('audio') });
 }
 
 function sent() {
@@ -96,14 +95,18 @@ async function connect() {
     representative.onSpeech = openness => {
         voice.follow(openness);
         if (isJoined)
-            screen.showSpeaking(openness > 0);
+            screen.showSpeaking(openness);
     };
     call = new Call({ video: !audioOnly, onLost: drop });
     mediaChanged();
     representative.start({ picture: !audioOnly });
     await call.connect(audioOnly ? [voice.track] : [voice.track, representative.track()]);
     const playing = screen.playRemote(call.received);
-    await (audioOnly ? call.connected : playing);
+    // A machine without any network finds no way to itself, and then nothing at all happens.
+    const tooLate = new Promise((resolve, reject) => {
+        setTimeout(() => reject(new Error('The call did not connect.')), patience);
+    });
+    await Promise.race([audioOnly ? call.connected : playing, tooLate]);
 }
 
 function joined(id) {

@@ -1,7 +1,7 @@
 // The person's own camera and microphone. A call goes on without either.
 
 const patience = 4000;
-const picture = { facingMode: 'user', width: { ideal: 640 }, height: { ideal: 480 }, frameRate: { ideal: 20, max: 30 } };
+const picture = { facingMode: 'user', width: { ideal: 640 }, height: { ideal: 480 }, frameRate: { ideal: 15, max: 30 } };
 
 async function open(wanted) {
     if (!navigator.mediaDevices)
@@ -36,7 +36,7 @@ export class Media {
     /// they allow later is taken all the same.
     async open(wanted) {
         this.muted = { audio: !wanted.audio, video: !wanted.video };
-        await this._take({ audio: true, video: wanted.video });
+        await this._take(wanted);
     }
 
     async _take(kinds) {
@@ -61,9 +61,9 @@ export class Media {
     track(kind) { return this._tracks.get(kind) || null; }
     sends(kind) { return this._tracks.has(kind) && !this.muted[kind]; }
 
-    /// Mutes or unmutes; a device that was not opened so far is.
+    /// Mutes or unmutes. A device that was not opened so far is; one that could not be is asked for again.
     async toggle(kind) {
-        this.muted[kind] = !this.muted[kind];
+        this.muted[kind] = this.sends(kind);
         if (!this.muted[kind] && !this._tracks.has(kind))
             await this._take({ audio: kind === 'audio', video: kind === 'video' });
         const track = this.track(kind);

@@ -5,14 +5,17 @@ import { drawDesk, drawRoom } from './representative_room.js';
 
 const width = 576;
 const height = 1248;
-const picturesPerSecond = 15;
+const scale = 0.8; // of the drawing in the picture sent, which is coded and decoded here as well
+const picturesPerSecond = 12;
 const head = { x: 288, y: 476 };
 
 function layer(draw) {
     const canvas = document.createElement('canvas');
-    canvas.width = width;
-    canvas.height = height;
-    draw(canvas.getContext('2d'), width, height);
+    canvas.width = width * scale;
+    canvas.height = height * scale;
+    const g = canvas.getContext('2d');
+    g.scale(scale, scale);
+    draw(g, width, height);
     return canvas;
 }
 
@@ -54,8 +57,8 @@ export class Representative {
         this._room = layer(drawRoom);
         this._desk = layer(drawDesk);
         this._canvas = document.createElement('canvas');
-        this._canvas.width = width;
-        this._canvas.height = height;
+        this._canvas.width = this._room.width;
+        this._canvas.height = this._room.height;
         this._context = this._canvas.getContext('2d', { alpha: false });
         this._began = performance.now();
         this._timer = 0;
@@ -67,6 +70,7 @@ export class Representative {
         const g = this._context;
         g.drawImage(this._room, 0, 0);
         g.save();
+        g.scale(scale, scale);
         g.translate(head.x, head.y);
         drawFigure(g, now);
         g.restore();
@@ -106,10 +110,11 @@ export class Representative {
 
     /// A square picture of the head.
     portrait() {
-        const size = 400;
+        const size = 400 * scale;
         const canvas = document.createElement('canvas');
         canvas.width = canvas.height = size;
-        canvas.getContext('2d').drawImage(this._canvas, head.x - size / 2, head.y - size / 2 - 8, size, size, 0, 0, size, size);
+        canvas.getContext('2d').drawImage(this._canvas, head.x * scale - size / 2, (head.y - 8) * scale - size / 2, size, size,
+            0, 0, size, size);
         return canvas;
     }
 }

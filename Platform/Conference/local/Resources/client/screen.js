@@ -83,18 +83,26 @@ export class Screen {
         return playing;
     }
 
-    showOwn({ track, sendsVideo, sendsAudio, muted }) {
+    showOwn({ track, sendsVideo, sendsAudio }) {
         const video = element('own');
         const shown = video.srcObject ? video.srcObject.getVideoTracks()[0] : null;
         if (shown !== track)
             video.srcObject = track ? new MediaStream([track]) : null;
         this._own.toggleAttribute('data-video', sendsVideo);
         this._own.toggleAttribute('data-audio', sendsAudio);
-        element('toggleAudio').setAttribute('aria-pressed', muted.audio);
-        element('toggleVideo').setAttribute('aria-pressed', muted.video);
+        element('toggleAudio').setAttribute('aria-pressed', !sendsAudio);
+        element('toggleVideo').setAttribute('aria-pressed', !sendsVideo);
     }
 
-    showSpeaking(speaks) {
+    /// How far the representative's mouth is open; 0 between sentences. The bars move with the picture and no oftener: a
+    /// style's own animation would have the whole screen painted at its full rate.
+    showSpeaking(openness) {
+        const speaks = openness > 0;
+        document.querySelectorAll('.speech u').forEach((bar, index) => {
+            bar.style.transform = `scaleY(${0.3 + 0.7 * openness * (index === 1 ? 1 : 0.65)})`;
+        });
+        if (document.body.hasAttribute('data-speaking') === speaks)
+            return;
         document.body.toggleAttribute('data-speaking', speaks);
         if (!document.body.hasAttribute('data-audio-only'))
             element('activity').textContent = speaks ? 'Konuşuyor' : 'Sizi dinliyor';

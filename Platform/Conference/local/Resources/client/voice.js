@@ -15,6 +15,8 @@ export class Voice {
         throat.Q.value = 1.2;
         tone.connect(throat).connect(this._level).connect(out);
         tone.start();
+        // Where pages may not sound before a touch.
+        addEventListener('pointerdown', () => this._context.resume().catch(() => {}), { once: true });
         this.track = out.stream.getAudioTracks()[0];
     }
 
@@ -23,5 +25,5 @@ export class Voice {
         this._level.gain.setTargetAtTime(openness * 0.03, this._context.currentTime, 0.03);
     }
 
-    close() { this._context.close(); }
+    close() { this._context.close().catch(() => {}); }
 }
