@@ -52,6 +52,7 @@ void DemoHost::note(const QString& method, const QList<DeliveredPicture>& pictur
 void DemoHost::didDetectSdkDataBeforeJitsi(QorvelKycView&, const std::shared_ptr<SdkModel>&)
 {
     note(QStringLiteral("didDetectSdkDataBeforeJitsi"));
+    Q_EMIT callWanted();
 }
 
 void DemoHost::didCaptureIdFrontPhoto(QorvelKycView&, const UIImage& image, const QString& imageBase64,

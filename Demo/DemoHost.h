@@ -45,6 +45,8 @@ public:
     void didClose(QorvelKycView& view, const std::shared_ptr<SdkModel>& didDetect) override;
 
 Q_SIGNALS:
+    /// The video-call step begins; the view waits for a conference.
+    void callWanted();
     /// The person left: by the view's close button or by closing the window.
     void closed();
 

@@ -142,17 +142,44 @@ bool DemoRun::openReal()
     return true;
 }
 
+void DemoRun::openCall()
+{
+    auto desk = CallDesk::make();
+    if (!desk) {
+        say(QStringLiteral("There is no video call: the library was built without."));
+        return;
+    }
+    m_steps.append(ViewType::jitsi);
+    // Who is seen in the call is who took the selfie; a real camera shows for itself.
+    m_call = std::make_unique<CallScene>(*m_host, std::move(desk), [this] {
+        return m_options.camera ? QImage() : m_front->lastFrame();
+    });
+    connect(m_call.get(), &CallScene::screenReached, this, [this](const QString& name) {
+        m_screens.append({ name, m_host->screen() });
+    });
+    connect(m_call.get(), &CallScene::finished, this, [this](const QString& failure) {
+        m_isComplete = failure.isEmpty();
+        if (m_isComplete)
+            QTimer::singleShot(m_byHand ? kFarewellMilliseconds : 0, m_person.get(), &ScriptedPerson::leave);
+        else if (!m_byHand)
+            giveUp(QStringLiteral("The call failed: %1").arg(failure));
+    });
+}
+
+void DemoRun::giveUp(const QString& failure)
+{
+    m_failure = failure;
+    m_loop.quit();
+}
+
 void DemoRun::runFlow()
 {
     m_host = std::make_unique<DemoHost>(m_size, m_services);
+    openCall();
     m_host->view().setViewTypes(m_steps);
     m_person = std::make_unique<ScriptedPerson>(*m_host, *m_stage, !m_byHand);
     m_nextDiagnosis = kPatienceMilliseconds;
 
-    const auto stop = [this](const QString& failure) {
-        m_failure = failure;
-        m_loop.quit();
-    };
     connect(m_person.get(), &ScriptedPerson::screenReached, this, [this](const QString& name) {
         m_screens.append({ name, m_host->screen() });
     });
@@ -161,16 +188,16 @@ void DemoRun::runFlow()
         QTimer::singleShot(m_byHand ? kFarewellMilliseconds : 0, m_person.get(), &ScriptedPerson::leave);
     });
     connect(
-        m_person.get(), &ScriptedPerson::gaveUp, this, [stop] { stop(QStringLiteral("The flow was not completed.")); });
-    connect(m_host.get(), &DemoHost::closed, this, [this, stop] {
-        stop(m_isComplete ? QString() : QStringLiteral("The view was closed before the flow was complete."));
+        m_person.get(), &ScriptedPerson::gaveUp, this, [this] { giveUp(QStringLiteral("The flow was not completed.")); });
+    connect(m_host.get(), &DemoHost::closed, this, [this] {
+        giveUp(m_isComplete ? QString() : QStringLiteral("The view was closed before the flow was complete."));
     });
     QTimer limit;
     limit.setSingleShot(true);
     const auto longest = m_options.limit ? m_options.limit : m_byHand ? std::nullopt : std::optional(kScriptedLimit);
     if (longest) {
-        connect(&limit, &QTimer::timeout, this, [stop, longest] {
-            stop(QStringLiteral("The flow was not complete within %1 seconds.")
+        connect(&limit, &QTimer::timeout, this, [this, longest] {
+            giveUp(QStringLiteral("The flow was not complete within %1 seconds.")
                      .arg(static_cast<double>(longest->count()) / 1000));
         });
         limit.start(*longest);
@@ -252,6 +279,7 @@ int DemoRun::report()
             { QStringLiteral("byHand"), m_byHand }, { QStringLiteral("flowMilliseconds"), m_flowMilliseconds },
             { QStringLiteral("delegateCalls"), deliveries }, { QStringLiteral("mrz"), mrzReport(m_host->record()) },
             { QStringLiteral("chip"), chipReport(m_host->passport()) },
+            { QStringLiteral("call"), m_call ? QJsonValue(m_call->report()) : QJsonValue() },
             { QStringLiteral("backCamera"), cameraResult(*m_back) },
             { QStringLiteral("frontCamera"), cameraResult(*m_front) }, { QStringLiteral("screens"), screens },
             { QStringLiteral("gallery"), gallery } });
@@ -260,7 +288,7 @@ int DemoRun::report()
     if (!m_failure.isEmpty())
         return fail(NotCompleted, m_failure);
 
-    say(QStringLiteral("Complete after %1 s: %2 photographs, %8, %3 screens, %4 more in the gallery.\n"
+    say(QStringLiteral("Complete after %1 s: %2 photographs, %8%9, %3 screens, %4 more in the gallery.\n"
                        "Cameras: %5 frames a second at the back, %6 at the front.\n"
                        "See %7")
             .arg(static_cast<double>(m_flowMilliseconds) / 1000, 0, 'f', 1)
@@ -270,7 +298,8 @@ int DemoRun::report()
             .arg(m_back->framesPerSecond(), 0, 'f', 1)
             .arg(m_front->framesPerSecond(), 0, 'f', 1)
             .arg(m_folder.path(),
-                m_host->passport() ? QStringLiteral("the chip read") : QStringLiteral("no chip read")));
+                m_host->passport() ? QStringLiteral("the chip read") : QStringLiteral("no chip read"),
+                m_call ? QStringLiteral(", the call held") : QString()));
     return Completed;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Demo/CallScene.h"
 #include "Demo/DemoHost.h"
 #include "Demo/DemoOptions.h"
 #include "Demo/FrameTap.h"
@@ -34,7 +35,9 @@ private:
     [[nodiscard]] bool openReplay();
     [[nodiscard]] bool openReal();
     void openReader();
+    void openCall();
     void runFlow();
+    void giveUp(const QString& failure);
     void watch();
     void warnAboutSmallPrint();
     [[nodiscard]] std::shared_ptr<FrameTap> activeCamera() const;
@@ -59,6 +62,7 @@ private:
     std::shared_ptr<FrameTap> m_front;
     std::unique_ptr<DemoHost> m_host;
     std::unique_ptr<ScriptedPerson> m_person;
+    std::unique_ptr<CallScene> m_call; ///< Null without video calls.
     QEventLoop m_loop;
     QList<Screen> m_screens;
     bool m_isComplete = false; ///< The view has said so.

@@ -1,0 +1,10 @@
+#include "Demo/CallDesk.h"
+
+namespace kelvara::demo {
+
+std::unique_ptr<CallDesk> CallDesk::make()
+{
+    return nullptr;
+}
+
+} // namespace kelvara::demo
