@@ -29,8 +29,9 @@ void CallScene::look()
 {
     switch (m_moment) {
     case Moment::Before:
-        if (!m_screen.shows(QString::fromUtf8(
-                "Birazdan müşteri temsilcisine bağlanacaksınız. \nLütfen bekleyiniz.")))
+        if (m_screen.sheetPhase()
+            || !m_screen.shows(
+                QString::fromUtf8("Birazdan müşteri temsilcisine bağlanacaksınız. \nLütfen bekleyiniz.")))
             return;
         Q_EMIT screenReached(QStringLiteral("call-waiting"));
         enter(Moment::Waiting);

@@ -13,8 +13,8 @@
 
 namespace kelvara::demo {
 
-/// The video-call step as a host and its representative run it: the conference is arranged when the view asks for it and
-/// opened once the waiting screen shows; the representative talks for some seconds and hangs up. Main thread.
+/// The video-call step as a host and its representative run it: the conference is arranged when the view asks for it
+/// and opened once the waiting screen shows; the representative talks for some seconds and hangs up. Main thread.
 class CallScene final : public QObject
 {
     Q_OBJECT

@@ -151,9 +151,8 @@ void DemoRun::openCall()
     }
     m_steps.append(ViewType::jitsi);
     // Who is seen in the call is who took the selfie; a real camera shows for itself.
-    m_call = std::make_unique<CallScene>(*m_host, std::move(desk), [this] {
-        return m_options.camera ? QImage() : m_front->lastFrame();
-    });
+    m_call = std::make_unique<CallScene>(
+        *m_host, std::move(desk), [this] { return m_options.camera ? QImage() : m_front->lastFrame(); });
     connect(m_call.get(), &CallScene::screenReached, this, [this](const QString& name) {
         m_screens.append({ name, m_host->screen() });
     });
@@ -187,8 +186,8 @@ void DemoRun::runFlow()
         m_isComplete = true;
         QTimer::singleShot(m_byHand ? kFarewellMilliseconds : 0, m_person.get(), &ScriptedPerson::leave);
     });
-    connect(
-        m_person.get(), &ScriptedPerson::gaveUp, this, [this] { giveUp(QStringLiteral("The flow was not completed.")); });
+    connect(m_person.get(), &ScriptedPerson::gaveUp, this,
+        [this] { giveUp(QStringLiteral("The flow was not completed.")); });
     connect(m_host.get(), &DemoHost::closed, this, [this] {
         giveUp(m_isComplete ? QString() : QStringLiteral("The view was closed before the flow was complete."));
     });
@@ -198,7 +197,7 @@ void DemoRun::runFlow()
     if (longest) {
         connect(&limit, &QTimer::timeout, this, [this, longest] {
             giveUp(QStringLiteral("The flow was not complete within %1 seconds.")
-                     .arg(static_cast<double>(longest->count()) / 1000));
+                       .arg(static_cast<double>(longest->count()) / 1000));
         });
         limit.start(*longest);
     }
@@ -297,8 +296,7 @@ int DemoRun::report()
             .arg(gallery.size())
             .arg(m_back->framesPerSecond(), 0, 'f', 1)
             .arg(m_front->framesPerSecond(), 0, 'f', 1)
-            .arg(m_folder.path(),
-                m_host->passport() ? QStringLiteral("the chip read") : QStringLiteral("no chip read"),
+            .arg(m_folder.path(), m_host->passport() ? QStringLiteral("the chip read") : QStringLiteral("no chip read"),
                 m_call ? QStringLiteral(", the call held") : QString()));
     return Completed;
 }

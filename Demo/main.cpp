@@ -23,7 +23,10 @@ QtMessageHandler usual = nullptr;
 /// Leaves out what Qt says on every machine without a display or sound, where nothing is amiss.
 void quieten(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
-    const bool idle = message == QLatin1String("This plugin does not support propagateSizeHints()")
+    const bool isBrowsers = QLatin1String(context.category).startsWith(QLatin1String("qt.webengine"))
+        || message.startsWith(QLatin1String("Sandboxing disabled"))
+        || message.startsWith(QLatin1String("WebEngineContext used"));
+    const bool idle = isBrowsers || message == QLatin1String("This plugin does not support propagateSizeHints()")
         || message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set"))
         || message.startsWith(QLatin1String("PulseAudioService:"));
     if (!idle)

@@ -18,8 +18,7 @@ constexpr double kSway = 3; ///< Pixels: nobody holds a phone quite still.
 /// The frames as JPEG pictures, one after the other, which is what the browser takes for a film.
 void writeFilm(QIODevice& film, const QImage& picture)
 {
-    const QImage fitted
-        = picture.scaled(kPicture * 1.04, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
+    const QImage fitted = picture.scaled(kPicture * 1.04, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
     for (int i = 0; i < kFrames; ++i) {
         QImage frame(kPicture, QImage::Format_RGB32);
         const double phase = 2 * M_PI * i / kFrames;

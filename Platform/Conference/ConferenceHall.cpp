@@ -8,6 +8,7 @@
 #include "Platform/Conference/JitsiMeetViewDelegate.h"
 #include "Platform/Foundation/CameraArbiter.h"
 
+#include <QApplication>
 #include <QTimer>
 
 namespace kelvara {
@@ -200,6 +201,10 @@ void ConferenceHall::dispose(Conference& conference)
         return;
     disconnect(conference.page.get(), nullptr, this, nullptr);
     if (QWidget* widget = conference.page->widget()) {
+        // Else hiding passes the keyboard on, as if the person had gone to the next control.
+        if (QWidget* focused = QApplication::focusWidget();
+            focused && (focused == widget || widget->isAncestorOf(focused)))
+            focused->clearFocus();
         widget->hide();
         widget->setParent(nullptr);
     }

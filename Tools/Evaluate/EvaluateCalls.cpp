@@ -134,8 +134,8 @@ int main(int argc, char** argv)
         }
         rest(kRestMilliseconds);
         if (call <= 5 || call % 5 == 0)
-            std::printf("call %2d: joined after %4lld ms; %.1f MB during, %.1f MB after\n", call, joining.back(), during,
-                memory());
+            std::printf("call %2d: joined after %4lld ms; %.1f MB during, %.1f MB after\n", call, joining.back(),
+                during, memory());
         std::fflush(stdout);
     }
     if (joining.size() > 1) {
