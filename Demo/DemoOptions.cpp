@@ -85,6 +85,7 @@ const QHash<QString, bool DemoOptions::*>& switches()
         { QStringLiteral("--scripted"), &DemoOptions::scripted },
         { QStringLiteral("--by-hand"), &DemoOptions::byHand },
         { QStringLiteral("--lose-card"), &DemoOptions::loseCard },
+        { QStringLiteral("--no-call"), &DemoOptions::noCall },
     };
     return options;
 }
@@ -131,11 +132,13 @@ QString DemoOptions::usage()
 {
     return QString::fromUtf8(R"(Usage: ./run demo [options]
 
-Photographs both sides of an identity card and a selfie and reads the card's chip through the library's view, as a host
-application would, and leaves in the out folder: result.json, every picture the host was given, and every screen.
+Photographs both sides of an identity card and a selfie, reads the card's chip and holds a video call through the
+library's view, as a host application would, and leaves in the out folder: result.json, every picture the host was given,
+and every screen.
 
 Without options all pictures are specimens (no camera, no reader, no display and no real person's data needed), the chip
-is played by software, and a scripted person holds the card and presses the buttons.
+is played by software, a drawn representative calls from a conference server in the demo itself, and a scripted person
+holds the card and presses the buttons.
 
   --card-front PATH   your own picture of a card's front: a photo, a folder of photos, or a video
   --card-back PATH    the same for its back; the chip gets what stands on the card
@@ -145,13 +148,15 @@ is played by software, and a scripted person holds the card and presses the butt
   --by-hand           press the buttons yourself, with replayed pictures too (needs a display)
   --scripted          let the scripted person press them with --camera too
   --lose-card         the card slips away once while its chip is read, and is held there again
+  --no-call           leave out the video call
   --size WxH          size of the window in points (390x844; with --camera 844x390)
   --seed N            other specimens (1)
   --limit SECONDS     give up after so long (60; by hand no limit unless given)
   --out DIR           where the results go (out/demo)
   --help              this text
 
-The pictures of your own that you show the demo are written to the out folder and nowhere else.
+The pictures of your own that you show the demo are written to the out folder and, for as long as it runs, the selfie to
+a temporary file from which the call's pretended camera shows it; nowhere else.
 
 Exit code: 0 the flow was completed; 1 it was not; 2 an option or a file is no good; 3 there is no camera.
 )");

@@ -20,6 +20,7 @@ struct DemoOptions
     bool camera = false; ///< The device's own cameras instead of replayed ones.
     bool scripted = false; ///< The scripted person presses the buttons although a real one could.
     bool byHand = false; ///< A real person presses the buttons although the pictures are replayed.
+    bool noCall = false; ///< The flow ends before the video call.
     bool loseCard = false; ///< The card slips away once while its chip is read.
     QString cardFront; ///< Still, folder or video; empty: a specimen.
     QString cardBack;

@@ -144,8 +144,10 @@ bool DemoRun::openReal()
 
 void DemoRun::openCall()
 {
-    auto desk = CallDesk::make();
+    auto desk = m_options.noCall ? nullptr : CallDesk::make();
     if (!desk) {
+        if (m_options.noCall)
+            return;
         say(QStringLiteral("There is no video call: the library was built without."));
         return;
     }

@@ -25,7 +25,8 @@ void quieten(QtMsgType type, const QMessageLogContext& context, const QString& m
 {
     const bool isBrowsers = QLatin1String(context.category).startsWith(QLatin1String("qt.webengine"))
         || message.startsWith(QLatin1String("Sandboxing disabled"))
-        || message.startsWith(QLatin1String("WebEngineContext used"));
+        || message.startsWith(QLatin1String("WebEngineContext used"))
+        || message.startsWith(QLatin1String("No suitable graphics backend"));
     const bool idle = isBrowsers || message == QLatin1String("This plugin does not support propagateSizeHints()")
         || message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set"))
         || message.startsWith(QLatin1String("PulseAudioService:"));

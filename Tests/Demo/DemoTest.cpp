@@ -18,6 +18,11 @@ using namespace kelvara;
 
 namespace {
 
+#ifdef KELVARA_HAS_CALLS
+constexpr bool kHasCalls = true;
+#else
+constexpr bool kHasCalls = false;
+#endif
 constexpr auto kAmpleLimit = "240"; // a sanitizer's build takes its time
 
 QString text(const char* utf8)
@@ -138,13 +143,24 @@ TEST(Flow, CompletesAndLeavesProof)
     EXPECT_TRUE(folder.exists(text("holiday.png")));
 
     const QJsonObject result = resultIn(folder);
-    EXPECT_EQ(result[text("steps")].toArray(), QJsonArray({ text("idPhoto"), text("selfie"), text("nfcRead") }));
+    QJsonArray steps { text("idPhoto"), text("selfie"), text("nfcRead") };
+    if (kHasCalls)
+        steps.append(text("jitsi"));
+    EXPECT_EQ(result[text("steps")].toArray(), steps);
     QStringList methods;
     for (const QJsonValue& call : result[text("delegateCalls")].toArray())
         methods.append(call[text("method")].toString());
-    ASSERT_EQ(methods,
-        QStringList({ text("didCaptureIdFrontPhoto"), text("didCaptureIdBackPhoto"), text("didCaptureSelfiePhoto"),
-            text("didReadNfc"), text("didClose") }));
+    QStringList expected { text("didCaptureIdFrontPhoto"), text("didCaptureIdBackPhoto"), text("didCaptureSelfiePhoto"),
+        text("didReadNfc"), text("didClose") };
+    if (kHasCalls)
+        expected.insert(4, text("didDetectSdkDataBeforeJitsi"));
+    ASSERT_EQ(methods, expected);
+    if (kHasCalls) {
+        const QJsonObject call = result[text("call")].toObject();
+        EXPECT_TRUE(call[text("hasVideo")].toBool());
+        EXPECT_TRUE(call[text("hasAudio")].toBool());
+        EXPECT_GT(call[text("talkMilliseconds")].toInt(), 0);
+    }
 
     const auto data = specimen::SpecimenData::fromSeed(7);
     expectMrzOf(data, result);
@@ -175,10 +191,20 @@ TEST(Flow, CompletesAndLeavesProof)
             EXPECT_EQ(QImage(folder.filePath(screen.toString())).size(), QSize(780, 1688))
                 << qPrintable(screen.toString());
     }
-    EXPECT_EQ(screensOf(result, "screens"),
-        QStringList({ text("front-waiting"), text("front-ready"), text("flip-hint"), text("back-ready"),
-            text("selfie-waiting"), text("selfie-ready"), text("chip-waiting"), text("chip-present"),
-            text("chip-reading"), text("chip-read"), text("finished") }));
+    QStringList screens { text("front-waiting"), text("front-ready"), text("flip-hint"), text("back-ready"),
+        text("selfie-waiting"), text("selfie-ready"), text("chip-waiting"), text("chip-present"), text("chip-reading"),
+        text("chip-read") };
+    screens += kHasCalls ? QStringList { text("call-waiting"), text("call"), text("call-ended") }
+                         : QStringList { text("finished") };
+    EXPECT_EQ(screensOf(result, "screens"), screens);
+    if (kHasCalls) {
+        const auto brightness = [&](int screen) {
+            const QImage image(folder.filePath(result[text("screens")][screen].toString()));
+            return qGray(image.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).pixel(0, 0));
+        };
+        EXPECT_GT(brightness(11), 80) << "the representative in a lit room";
+        EXPECT_LT(brightness(12), 50) << "the dark screen after the call";
+    }
     EXPECT_EQ(screensOf(result, "gallery"),
         QStringList({ text("no-back-camera"), text("no-front-camera"), text("nfc-required"), text("no-steps"),
             text("nfc-step-without-nfc"), text("waiting-for-the-call") }));
@@ -203,7 +229,7 @@ TEST(Flow, TakesAPhonesPhotographsOnTheirSidesAndALostCard)
     const QDir folder(place.filePath(text("out")));
     const DemoProcess demo = DemoProcess::run({ text("--card-front"), photo(specimen::Subject::Front, "front.jpg"),
         text("--card-back"), photo(specimen::Subject::Back, "back.jpg"), text("--out"), folder.path(),
-        text("--lose-card"), text("--limit"), text(kAmpleLimit) });
+        text("--lose-card"), text("--no-call"), text("--limit"), text(kAmpleLimit) });
     ASSERT_EQ(demo.exitCode, 0) << qPrintable(demo.said + demo.complained);
     EXPECT_EQ(demo.said.count(text("the card was found")), 2) << qPrintable(demo.said);
     EXPECT_GT(likeness(delivered(folder, 0, 1), specimen::printFront(data)), 0.8);
