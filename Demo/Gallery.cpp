@@ -19,6 +19,7 @@ struct Situation
     bool frontCamera;
     bool forceNfc;
     QList<ViewType> steps;
+    bool callsNobody = false; ///< A call is opened without a server.
 };
 
 std::shared_ptr<AVCaptureDevice> camera(bool present, AVCaptureDevicePosition position)
@@ -32,6 +33,13 @@ std::shared_ptr<AVCaptureDevice> camera(bool present, AVCaptureDevicePosition po
     return std::make_shared<ReplayCamera>(ReplaySource::still(dark), options);
 }
 
+void settle()
+{
+    QEventLoop loop;
+    QTimer::singleShot(kSettleMilliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
 QImage take(const Situation& situation, const QSize& size)
 {
     PlatformServices services;
@@ -43,9 +51,11 @@ QImage take(const Situation& situation, const QSize& size)
     host.view().setForceNfc(situation.forceNfc);
     host.view().setViewTypes(situation.steps);
     host.show();
-    QEventLoop loop;
-    QTimer::singleShot(kSettleMilliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
+    settle();
+    if (situation.callsNobody) {
+        host.view().setJitsiConference({}, QStringLiteral("room"), {});
+        settle();
+    }
     return host.screen();
 }
 
@@ -60,6 +70,7 @@ QList<GalleryScreen> takeGallery(const QSize& size)
         { "no-steps", true, true, false, {} },
         { "nfc-step-without-nfc", true, true, false, { ViewType::nfcRead } },
         { "waiting-for-the-call", true, true, false, { ViewType::jitsi } },
+        { "call-without-a-server", true, true, false, { ViewType::jitsi }, true },
     };
     QList<GalleryScreen> screens;
     for (const Situation& situation : situations)

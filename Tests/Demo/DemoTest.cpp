@@ -207,7 +207,7 @@ TEST(Flow, CompletesAndLeavesProof)
     }
     EXPECT_EQ(screensOf(result, "gallery"),
         QStringList({ text("no-back-camera"), text("no-front-camera"), text("nfc-required"), text("no-steps"),
-            text("nfc-step-without-nfc"), text("waiting-for-the-call") }));
+            text("nfc-step-without-nfc"), text("waiting-for-the-call"), text("call-without-a-server") }));
 }
 
 TEST(Flow, TakesAPhonesPhotographsOnTheirSidesAndALostCard)
