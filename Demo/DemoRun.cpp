@@ -1,6 +1,7 @@
 #include "Demo/DemoRun.h"
 
 #include "Demo/ChipReport.h"
+#include "Demo/ContactSheet.h"
 #include "Demo/Diagnosis.h"
 #include "Demo/Gallery.h"
 #include "Demo/MrzReport.h"
@@ -263,9 +264,18 @@ int DemoRun::report()
     QJsonArray screens;
     for (const Screen& screen : std::as_const(m_screens))
         screens.append(m_folder.write(QStringLiteral("screen"), screen.name, screen.image));
+    QList<SheetEntry> sheet;
+    for (const Screen& screen : std::as_const(m_screens))
+        sheet.append({ screen.name, screen.image });
     QJsonArray gallery;
-    for (const GalleryScreen& screen : takeGallery(m_size))
+    for (const GalleryScreen& screen : takeGallery(m_size)) {
         gallery.append(m_folder.write(QStringLiteral("gallery"), screen.name, screen.image));
+        sheet.append({ screen.name, screen.image });
+    }
+    m_folder.writeSheet(contactSheet(QStringLiteral("Kelvara, seed %1: %2 s")
+                                         .arg(m_options.seed)
+                                         .arg(static_cast<double>(m_flowMilliseconds) / 1000, 0, 'f', 1),
+        sheet));
     const QJsonArray deliveries = m_folder.write(m_host->deliveries());
     if (m_failure.isEmpty() && !allSound(deliveries))
         m_failure = QStringLiteral("A base64 text does not hold the picture it was given with; see result.json.");
@@ -291,7 +301,7 @@ int DemoRun::report()
 
     say(QStringLiteral("Complete after %1 s: %2 photographs, %8%9, %3 screens, %4 more in the gallery.\n"
                        "Cameras: %5 frames a second at the back, %6 at the front.\n"
-                       "See %7")
+                       "See %7/report.html")
             .arg(static_cast<double>(m_flowMilliseconds) / 1000, 0, 'f', 1)
             .arg(m_host->photographs())
             .arg(screens.size())

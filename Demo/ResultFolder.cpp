@@ -1,5 +1,7 @@
 #include "Demo/ResultFolder.h"
 
+#include "Demo/HtmlReport.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -42,8 +44,8 @@ std::optional<QString> ResultFolder::prepare()
     };
     if (!m_folder.mkpath(QStringLiteral(".")))
         return complaint("cannot be made");
-    static const QRegularExpression ours(
-        QStringLiteral("^(result\\.json|(screen|gallery|picture)-\\d\\d-[a-z-]+\\.png)$"));
+    static const QRegularExpression ours(QStringLiteral(
+        "^(result\\.json|report\\.html|contact-sheet\\.png|(screen|gallery|picture)-\\d\\d-[a-z-]+\\.png)$"));
     for (const QString& name : m_folder.entryList(QDir::Files)) {
         if (ours.match(name).hasMatch() && !m_folder.remove(name))
             return complaint("holds files of an earlier run that cannot be removed");
@@ -115,6 +117,12 @@ QJsonArray ResultFolder::write(const QList<Delivery>& deliveries)
 void ResultFolder::writeResult(const QJsonObject& result)
 {
     writeFile(QLatin1String(kResult), QJsonDocument(result).toJson());
+    writeFile(QStringLiteral("report.html"), htmlReport(result));
+}
+
+void ResultFolder::writeSheet(const QImage& sheet)
+{
+    writeFile(QStringLiteral("contact-sheet.png"), UIImagePNGRepresentation(UIImage(sheet)).value_or(QByteArray()));
 }
 
 bool allSound(const QJsonArray& deliveries)

@@ -31,7 +31,10 @@ public:
     /// where it came without such a text. The returned objects say whether that is exactly the picture it came with.
     [[nodiscard]] QJsonArray write(const QList<Delivery>& deliveries);
 
+    /// Writes `result.json`, and `report.html` about it.
     void writeResult(const QJsonObject& result);
+    /// Writes `contact-sheet.png`.
+    void writeSheet(const QImage& sheet);
 
     /// What could not be written, as a sentence; empty if all was.
     [[nodiscard]] QString problem() const { return m_problem; }

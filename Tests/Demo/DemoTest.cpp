@@ -205,6 +205,14 @@ TEST(Flow, CompletesAndLeavesProof)
         EXPECT_GT(brightness(11), 80) << "the representative in a lit room";
         EXPECT_LT(brightness(12), 50) << "the dark screen after the call";
     }
+    const QImage sheet(folder.filePath(text("contact-sheet.png")));
+    EXPECT_GT(sheet.width(), 2000);
+    QFile report(folder.filePath(text("report.html")));
+    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+    const QString page = QString::fromUtf8(report.readAll());
+    EXPECT_FALSE(page.contains(text("{{")));
+    for (const QString& told : { data.documentNumber, text("screen-01-front-waiting.png"), text("didReadNfc") })
+        EXPECT_TRUE(page.contains(told)) << qPrintable(told);
     EXPECT_EQ(screensOf(result, "gallery"),
         QStringList({ text("no-back-camera"), text("no-front-camera"), text("nfc-required"), text("no-steps"),
             text("nfc-step-without-nfc"), text("waiting-for-the-call"), text("call-without-a-server") }));
