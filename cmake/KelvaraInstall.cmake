@@ -13,6 +13,7 @@ set(KELVARA_ABI_VERSION 0)
 set(KELVARA_INSTALL_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}/kelvara")
 set(KELVARA_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/Kelvara")
 file(RELATIVE_PATH KELVARA_PREFIX_FROM_PKGCONFIG "/p/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/p")
+string(REGEX REPLACE "/$" "" KELVARA_PREFIX_FROM_PKGCONFIG "${KELVARA_PREFIX_FROM_PKGCONFIG}")
 
 # Everything that is installed has been built when this is.
 add_custom_target(kelvara_products ALL)
@@ -20,9 +21,15 @@ add_custom_target(kelvara_products ALL)
 # A shared library lib<Library>.so made of modules, found as Kelvara::<name>. What its modules link privately stays
 # private; modules of one library never go into another one as well, which would double their state.
 #   kelvara_product(<name> LIBRARY <Library> COMPONENT <component> DESCRIPTION <sentence>
-#                   MODULES targets… HEADERS files… PUBLIC libs… PKG_REQUIRES packages…)
+#                   MODULES targets… [OPTIONAL targets that not every machine can build…]
+#                   HEADERS files… PUBLIC libs… PKG_REQUIRES packages…)
 function(kelvara_product name)
-    cmake_parse_arguments(arg "" "LIBRARY;COMPONENT;DESCRIPTION" "MODULES;HEADERS;PUBLIC;PKG_REQUIRES" ${ARGN})
+    cmake_parse_arguments(arg "" "LIBRARY;COMPONENT;DESCRIPTION" "MODULES;OPTIONAL;HEADERS;PUBLIC;PKG_REQUIRES" ${ARGN})
+    foreach(module IN LISTS arg_OPTIONAL)
+        if(TARGET ${module})
+            list(APPEND arg_MODULES ${module})
+        endif()
+    endforeach()
     string(TOLOWER "${name}" target)
     set(target kelvara_shared_${target})
     set(script "${CMAKE_CURRENT_BINARY_DIR}/${arg_LIBRARY}.map")

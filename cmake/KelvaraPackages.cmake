@@ -6,7 +6,7 @@ set(CPACK_PACKAGE_NAME kelvara)
 set(CPACK_PACKAGE_VENDOR Kelvara)
 set(CPACK_PACKAGE_CONTACT "Kelvara developers <developers@kelvara.invalid>")
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL runtime specimen dev tools)
@@ -30,20 +30,20 @@ endmacro()
 
 kelvara_package(runtime "libkelvara${KELVARA_ABI_VERSION}" libs
 "Identity-verification capture library on Qt 6
- One widget guides a person over a live camera preview through photographing a
- Turkish identity card, taking a selfie and reading the card's contactless chip.")
+One widget guides a person over a live camera preview through photographing a
+Turkish identity card, taking a selfie and reading the card's contactless chip.")
 kelvara_package(specimen "libkelvara-specimen${KELVARA_ABI_VERSION}" libs
 "Invented identity cards and pictures of them
- Prints cards marked SPECIMEN and photographs them, with the truth beside the
- picture: what tests of applications hold before the capture library's cameras.")
+Prints cards marked SPECIMEN and photographs them, with the truth beside the
+picture: what tests of applications hold before the capture library's cameras.")
 kelvara_package(dev libkelvara-dev libdevel
 "Identity-verification capture library on Qt 6 - development files
- Headers, CMake packages and pkg-config files of the capture library and of the
- library of invented cards.")
+Headers, CMake packages and pkg-config files of the capture library and of the
+library of invented cards.")
 kelvara_package(tools kelvara-tools utils
 "Looks at pictures and chips of identity documents
- The program kelvara prints what the capture library finds in photographs of
- cards, and what it reads of chips; kelvara-specimen photographs invented cards.")
+The program kelvara prints what the capture library finds in photographs of
+cards, and what it reads of chips; kelvara-specimen photographs invented cards.")
 
 # Texts on the screen need letters; nothing links a font, the service of readers, or the plug-in that shows windows.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-dejavu-core, fonts-noto-color-emoji, pcscd")
