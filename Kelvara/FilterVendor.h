@@ -1,11 +1,12 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Imaging/CIFilterConstructor.h"
 
 namespace kelvara {
 
 /// Makes the SDK's own filters for the filter registry. Without state; any thread.
-class FilterVendor final : public CIFilterConstructor
+class KELVARA_EXPORT FilterVendor final : public CIFilterConstructor
 {
 public:
     /// Registers "LuminanceThresholdFilter" in the category "CustomFilters". To be called before the first frame is

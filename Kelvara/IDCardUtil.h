@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QString>
 #include <QStringView>
 
@@ -13,7 +15,7 @@ class UserDefaults;
 /// The three parts of a machine-readable zone that open a card's chip, and later what the chip said. The parts are kept
 /// in the application's user defaults whenever a key is made, so that a later session starts with the last ones.
 /// Personal data. One thread at a time; the main thread in the flow.
-class IDCardUtil
+class KELVARA_EXPORT IDCardUtil
 {
 public:
     /// Starts with the parts that were kept last under "passportNumber", "dateOfBirth" and "expiryDate"; empty texts

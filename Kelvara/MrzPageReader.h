@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Mrz/QKMRZParser.h"
 #include "Platform/Mrz/TesseractEngine.h"
 #include "Platform/Vision/MrzBandFinder.h"
@@ -36,7 +37,7 @@ struct MrzPageReading
 /// lit and takes the way of the live view from there (`preprocessImage`, `TesseractEngine`, `mrzLines`,
 /// `QKMRZParser`). What is not vouched for is drawn and read again in other ways; readings that are vouched for and
 /// differ make none valid. One thread at a time. Needs `FilterVendor::registerFilters`.
-class MrzPageReader
+class KELVARA_EXPORT MrzPageReader
 {
 public:
     /// `engine` and `parser` are used, not copied, and must live as long.

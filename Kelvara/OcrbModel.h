@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QString>
 
 namespace kelvara {
 
 /// The folder of the library's own resources that holds "ocrb.traineddata", for a `TesseractEngine`. Any thread.
-[[nodiscard]] QString ocrbModelFolder();
+[[nodiscard]] KELVARA_EXPORT QString ocrbModelFolder();
 
 } // namespace kelvara

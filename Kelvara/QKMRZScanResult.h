@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Imaging/UIImage.h"
 
 #include <QDate>
@@ -15,7 +16,7 @@ class VisionDetectors;
 
 /// One accepted reading of a card's machine-readable zone, with the picture it was read from. The fields are the
 /// parser's, unchanged (see `QKMRZResult`). Personal data. One thread at a time, the main thread in practice.
-class QKMRZScanResult
+class KELVARA_EXPORT QKMRZScanResult
 {
 public:
     /// The portrait is searched by `detectors`, or by the library's own where none are given. Shared.

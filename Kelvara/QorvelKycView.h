@@ -3,6 +3,7 @@
 #include "Kelvara/QorvelKycViewDelegate.h"
 #include "Kelvara/SdkModel.h"
 #include "Kelvara/ViewType.h"
+#include "Platform/Foundation/Export.h"
 #include "Platform/Imaging/UIImage.h"
 #include "Platform/PlatformServices.h"
 
@@ -32,7 +33,7 @@ template<typename T> class LinkedListViewType;
 /// its delegate too. No operation reports an error: what the device lacks is told to the person on the screen, and
 /// `isScanning` tells the host whether a camera runs. A device that is there but gives no pictures (a replay camera
 /// whose file is missing) shows an empty preview.
-class QorvelKycView : public QWidget
+class KELVARA_EXPORT QorvelKycView : public QWidget
 {
     Q_OBJECT
     Q_PROPERTY(QList<kelvara::ViewType> viewTypes READ viewTypes WRITE setViewTypes)

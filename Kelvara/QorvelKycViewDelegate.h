@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Foundation/MainQueue.h"
 #include "Platform/Imaging/UIImage.h"
 
@@ -19,7 +20,7 @@ class SdkModel;
 /// For the three `didCapture…` methods `image` is the photograph as taken (cut to the scan area), `cropImage` the card
 /// with its perspective corrected or the face, and the texts are the base64 of exactly these images' PNG encodings:
 /// the values just stored in the view's `SdkModel`.
-class QorvelKycViewDelegate
+class KELVARA_EXPORT QorvelKycViewDelegate
 {
 public:
     QorvelKycViewDelegate() = default;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Imaging/UIImage.h"
 
 #include <QString>
@@ -19,7 +20,7 @@ class QKMRZScanResult;
 /// Shared by reference: the view, its delegate and the host hold the same object (`std::shared_ptr<SdkModel>`), so what
 /// a later step writes shows in a record that was kept from an earlier callback. For `mrzInfo` and `nfcData` a null
 /// pointer is "absent". Photographs and texts are personal data. Main thread only.
-class SdkModel
+class KELVARA_EXPORT SdkModel
 {
 public:
     SdkModel();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QUrl>
 
 #include <memory>
@@ -15,7 +17,7 @@ class VisionDetectors;
 /// Everything the view needs of the platform, as one value handed to its constructor. A host that tests itself
 /// replaces what it wants (`services.cameras = std::make_shared<ReplayCameraProvider>(…)`) and leaves the rest.
 /// The objects are shared with the view. Main thread.
-struct PlatformServices
+struct KELVARA_EXPORT PlatformServices
 {
     std::shared_ptr<CameraProvider> cameras; ///< Null: a device without cameras.
     std::shared_ptr<const VisionDetectors> imageAnalysis; ///< Null: nothing is ever found.

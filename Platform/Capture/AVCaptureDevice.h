@@ -2,6 +2,7 @@
 
 #include "Platform/Capture/AVCaptureTypes.h"
 #include "Platform/Capture/CMSampleBuffer.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QObject>
 #include <QString>
@@ -15,7 +16,7 @@ namespace kelvara {
 using AVCaptureFrameSink = std::function<void(const CMSampleBuffer&)>;
 
 /// A camera. Made by a `CameraProvider` and shared with it; main thread unless said otherwise.
-class AVCaptureDevice : public QObject
+class KELVARA_EXPORT AVCaptureDevice : public QObject
 {
     Q_OBJECT
 public:

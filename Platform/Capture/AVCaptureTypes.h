@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QtGlobal>
 
 namespace kelvara {
@@ -21,7 +23,7 @@ enum class UIInterfaceOrientation {
 };
 
 /// The video orientation of an interface orientation: the case of the same name; portrait for unknown or any other.
-[[nodiscard]] AVCaptureVideoOrientation videoOrientation(UIInterfaceOrientation interfaceOrientation);
+[[nodiscard]] KELVARA_EXPORT AVCaptureVideoOrientation videoOrientation(UIInterfaceOrientation interfaceOrientation);
 
 /// How the preview fills its layer.
 enum class AVLayerVideoGravity { Resize, ResizeAspect, ResizeAspectFill };

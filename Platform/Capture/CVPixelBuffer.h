@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QSize>
 
 #include <cstddef>
@@ -14,7 +16,7 @@ inline constexpr std::uint32_t kCVPixelFormatType_32BGRA = 0x42475241;
 /// One camera picture in memory: rows of pixels with a stride. A shared value: copies refer to the same bytes, which
 /// live as long as the last copy. Pixels are never written once a buffer has been delivered, so any thread may read.
 /// Row 0 is the picture's top.
-class CVPixelBuffer
+class KELVARA_EXPORT CVPixelBuffer
 {
 public:
     CVPixelBuffer() = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Capture/AVCaptureTypes.h"
+#include "Platform/Foundation/Export.h"
 
 #include <memory>
 
@@ -9,7 +10,7 @@ namespace kelvara {
 class AVCaptureDevice;
 
 /// Where cameras come from. Main thread.
-class CameraProvider
+class KELVARA_EXPORT CameraProvider
 {
 public:
     virtual ~CameraProvider() = default;

@@ -2,6 +2,7 @@
 
 #include "Platform/Capture/AVCaptureDevice.h"
 #include "Platform/Capture/CameraProvider.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QImage>
 #include <QSize>
@@ -26,7 +27,7 @@ enum class ReplayPixelLayout { BGRA, NV12, I420, YUYV, MJPEG };
 using ReplayGenerator = std::function<QImage(std::int64_t index, std::chrono::microseconds time)>;
 
 /// Where a replay camera's pictures come from. A value.
-class ReplaySource
+class KELVARA_EXPORT ReplaySource
 {
 public:
     /// No source; it has a problem.
@@ -80,7 +81,7 @@ struct ReplayCameraOptions
 /// A camera without hardware: for hosts' tests, demonstrations and replaying what went wrong. Delivers its source at a
 /// frame rate through the same conversions as a real camera. Each start begins the source anew. A camera whose source
 /// has a problem refuses to start. Main thread unless said otherwise.
-class ReplayCamera final : public AVCaptureDevice
+class KELVARA_EXPORT ReplayCamera final : public AVCaptureDevice
 {
     Q_OBJECT
 public:
@@ -136,7 +137,7 @@ private:
 };
 
 /// Hands out replay cameras (or any devices) by position. Main thread.
-class ReplayCameraProvider final : public CameraProvider
+class KELVARA_EXPORT ReplayCameraProvider final : public CameraProvider
 {
 public:
     ReplayCameraProvider() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -13,7 +15,7 @@
 namespace kelvara::chip {
 
 /// Overwrites memory so that the compiler cannot leave it out. Any thread.
-void wipe(void* memory, std::size_t size) noexcept;
+KELVARA_EXPORT void wipe(void* memory, std::size_t size) noexcept;
 
 /// Hands memory back only after it was overwritten: keys, nonces and what a chip says are never left behind.
 template<typename T> struct WipingAllocator
@@ -36,12 +38,12 @@ template<typename T> struct WipingAllocator
 using Bytes = std::vector<std::uint8_t, WipingAllocator<std::uint8_t>>;
 using ByteView = std::span<const std::uint8_t>;
 
-[[nodiscard]] Bytes bytes(ByteView view);
+[[nodiscard]] KELVARA_EXPORT Bytes bytes(ByteView view);
 /// The characters' own bytes (ASCII, UTF-8).
-[[nodiscard]] Bytes bytes(std::string_view text);
+[[nodiscard]] KELVARA_EXPORT Bytes bytes(std::string_view text);
 
 /// All parts in order.
-[[nodiscard]] Bytes joined(std::initializer_list<ByteView> parts);
+[[nodiscard]] KELVARA_EXPORT Bytes joined(std::initializer_list<ByteView> parts);
 
 /// The first `count` bytes, or all where there are fewer.
 [[nodiscard]] inline ByteView first(ByteView view, std::size_t count)
@@ -50,14 +52,14 @@ using ByteView = std::span<const std::uint8_t>;
 }
 
 /// Whether both are equal, in a time that depends on the length only.
-[[nodiscard]] bool equalInConstantTime(ByteView one, ByteView other);
+[[nodiscard]] KELVARA_EXPORT bool equalInConstantTime(ByteView one, ByteView other);
 
 /// A big-endian number without leading zeros; at least one byte.
-[[nodiscard]] Bytes bigEndian(std::uint64_t number);
+[[nodiscard]] KELVARA_EXPORT Bytes bigEndian(std::uint64_t number);
 
 /// Upper-case hexadecimal digits.
-[[nodiscard]] std::string toHex(ByteView view);
+[[nodiscard]] KELVARA_EXPORT std::string toHex(ByteView view);
 /// Two hexadecimal digits a byte, either case, spaces between bytes allowed; absent for anything else.
-[[nodiscard]] std::optional<Bytes> fromHex(std::string_view digits);
+[[nodiscard]] KELVARA_EXPORT std::optional<Bytes> fromHex(std::string_view digits);
 
 } // namespace kelvara::chip

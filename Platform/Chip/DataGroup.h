@@ -10,6 +10,7 @@
 #include "Platform/Chip/lds/DataGroup2.h"
 #include "Platform/Chip/lds/DataGroup7.h"
 #include "Platform/Chip/trust/SecurityObject.h"
+#include "Platform/Foundation/Export.h"
 
 #include <variant>
 
@@ -26,9 +27,9 @@ using DataGroup = std::variant<UnparsedGroup, COM, DataGroup1, DataGroup2, DataG
     DataGroup14, DataGroup15, DataGroup16, SecurityObject>;
 
 /// The file parsed by what its identifier says it is; `UnparsedGroup` where that fails. Any thread.
-[[nodiscard]] DataGroup parseDataGroup(DataGroupId id, ByteView file);
+[[nodiscard]] KELVARA_EXPORT DataGroup parseDataGroup(DataGroupId id, ByteView file);
 
 /// The file's bytes as they were read.
-[[nodiscard]] const Bytes& rawOf(const DataGroup& group);
+[[nodiscard]] KELVARA_EXPORT const Bytes& rawOf(const DataGroup& group);
 
 } // namespace kelvara::chip

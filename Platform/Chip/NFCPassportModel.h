@@ -2,6 +2,7 @@
 
 #include "Platform/Chip/ChipVerification.h"
 #include "Platform/Chip/DataGroup.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QDate>
 #include <QImage>
@@ -18,7 +19,7 @@ namespace kelvara {
 ///
 /// Every field is a value and copying is cheap enough. Personal data: nothing of it is ever logged or stored. One
 /// thread at a time.
-class NFCPassportModel
+class KELVARA_EXPORT NFCPassportModel
 {
 public:
     // The machine-readable zone (DG1), by field. Fillers are taken off; texts are as the chip has them.

@@ -2,6 +2,7 @@
 
 #include "Platform/Chip/ChipVerification.h"
 #include "Platform/Chip/lds/DataGroupId.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QString>
 
@@ -12,7 +13,7 @@
 namespace kelvara {
 
 /// Why a chip could not be read. A value; nothing in it is personal.
-struct NFCPassportReaderError
+struct KELVARA_EXPORT NFCPassportReaderError
 {
     enum class Kind {
         /// Cause: the device has no contactless reader, its service does not run, or it was unplugged in mid-read.
@@ -62,6 +63,6 @@ struct NFCPassportReaderError
 };
 
 /// "WrongKey" and so on.
-[[nodiscard]] std::string_view nameOf(NFCPassportReaderError::Kind kind);
+[[nodiscard]] KELVARA_EXPORT std::string_view nameOf(NFCPassportReaderError::Kind kind);
 
 } // namespace kelvara

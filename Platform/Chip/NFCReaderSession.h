@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <memory>
 
 namespace kelvara {
@@ -9,7 +11,7 @@ class CardTerminal;
 }
 
 /// The device's contactless reader as the view gets it from its platform. Main thread.
-class NFCReaderSession
+class KELVARA_EXPORT NFCReaderSession
 {
 public:
     virtual ~NFCReaderSession() = default;

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "Platform/Chip/NFCPassportReaderError.h"
+#include "Platform/Foundation/Export.h"
 
 namespace kelvara {
 
 /// One change of what a person should see during a read. A value.
-struct NFCViewDisplayMessage
+struct KELVARA_EXPORT NFCViewDisplayMessage
 {
     enum class Kind {
         requestPresentCard, ///< Hold the card to the reader: at the start, and again whenever the card was lost.

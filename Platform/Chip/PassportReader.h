@@ -4,6 +4,7 @@
 #include "Platform/Chip/NFCPassportReaderError.h"
 #include "Platform/Chip/NFCViewDisplayMessage.h"
 #include "Platform/Chip/transport/CardTerminal.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QList>
 #include <QUrl>
@@ -26,7 +27,7 @@ enum class ReaderLogLevel { Verbose = 0, Debug = 1, Info = 2, Warning = 3, Error
 /// goes on where it was.
 ///
 /// Made and destroyed on the main thread. Destroying it cancels a read that is under way and waits for its end.
-class PassportReader
+class KELVARA_EXPORT PassportReader
 {
 public:
     /// The text to show, or nothing to show the library's own. Called on the reader's thread. Like `Completed` it must

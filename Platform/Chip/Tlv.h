@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/Bytes.h"
+#include "Platform/Foundation/Export.h"
 
 #include <optional>
 #include <vector>
@@ -12,7 +13,7 @@ using Tag = std::uint32_t;
 
 /// One data object of BER-TLV (ISO/IEC 7816-4 §5.2.2, ITU-T X.690): tags of up to three bytes, definite lengths of up
 /// to four. Views into the bytes it was read from.
-struct Tlv
+struct KELVARA_EXPORT Tlv
 {
     Tag tag = 0;
     ByteView value;
@@ -22,7 +23,7 @@ struct Tlv
 };
 
 /// Reads data objects one after the other. Trusts no length: what does not fit ends the reading.
-class TlvReader
+class KELVARA_EXPORT TlvReader
 {
 public:
     explicit TlvReader(ByteView bytes) : m_rest(bytes) { }
@@ -40,17 +41,17 @@ private:
 };
 
 /// The first object of the tag among those that stand one after the other in `bytes`.
-[[nodiscard]] std::optional<Tlv> findTlv(ByteView bytes, Tag tag);
+[[nodiscard]] KELVARA_EXPORT std::optional<Tlv> findTlv(ByteView bytes, Tag tag);
 /// The same through nested objects: `findTlv(file, { 0x7F61, 0x7F60, 0x5F2E })`.
-[[nodiscard]] std::optional<Tlv> findTlv(ByteView bytes, std::initializer_list<Tag> path);
+[[nodiscard]] KELVARA_EXPORT std::optional<Tlv> findTlv(ByteView bytes, std::initializer_list<Tag> path);
 /// All objects of the level; absent when something there is no object.
-[[nodiscard]] std::optional<std::vector<Tlv>> allTlvs(ByteView bytes);
+[[nodiscard]] KELVARA_EXPORT std::optional<std::vector<Tlv>> allTlvs(ByteView bytes);
 
 /// How long the object is that begins with these bytes (tag and length included), from the first few of them; absent
 /// while they are too few or when they begin no object.
-[[nodiscard]] std::optional<std::size_t> tlvSize(ByteView beginning);
+[[nodiscard]] KELVARA_EXPORT std::optional<std::size_t> tlvSize(ByteView beginning);
 
 /// An object of this tag with the shortest form of length.
-[[nodiscard]] Bytes makeTlv(Tag tag, ByteView value);
+[[nodiscard]] KELVARA_EXPORT Bytes makeTlv(Tag tag, ByteView value);
 
 } // namespace kelvara::chip

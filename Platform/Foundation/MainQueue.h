@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <functional>
 #include <memory>
 
@@ -30,7 +32,7 @@ private:
 ///
 /// The blocks wait in a deque of our own behind a mutex; Qt only wakes the GUI thread. (Qt is not instrumented, so a
 /// hand-over through its event queue alone would look like a race to the thread sanitizer.)
-class MainQueue
+class KELVARA_EXPORT MainQueue
 {
 public:
     /// Queues `block` for the GUI thread; it is dropped if the context has died by then. Any thread. Needs a

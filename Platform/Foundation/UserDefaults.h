@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QString>
 
 #include <memory>
@@ -8,7 +10,7 @@
 namespace kelvara {
 
 /// A persistent store of strings per application, as the platform's user defaults. Main thread.
-class UserDefaults
+class KELVARA_EXPORT UserDefaults
 {
 public:
     virtual ~UserDefaults() = default;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Imaging/CIImage.h"
 
 #include <QString>
@@ -42,7 +43,7 @@ class CIFilterConstructor;
 /// "CIColorControls" ("inputSaturation" 1, "inputContrast" 1, "inputBrightness" 0), "CIExposureAdjust" ("inputEV" 0:
 /// stops), "CILanczosScaleTransform" ("inputScale" 1, "inputAspectRatio" 1: how much more it scales across). Others are
 /// registered. One thread at a time.
-class CIFilter
+class KELVARA_EXPORT CIFilter
 {
 public:
     virtual ~CIFilter() = default;

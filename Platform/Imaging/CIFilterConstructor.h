@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Imaging/CIFilter.h"
 
 #include <QString>
@@ -9,7 +10,7 @@
 namespace kelvara {
 
 /// Makes filters by name, for the filter registry. Any thread.
-class CIFilterConstructor
+class KELVARA_EXPORT CIFilterConstructor
 {
 public:
     virtual ~CIFilterConstructor() = default;

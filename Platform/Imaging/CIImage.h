@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Imaging/UIImage.h"
 
 #include <QImage>
@@ -20,7 +21,7 @@ class Node;
 
 /// A filter image: an immutable recipe (a bitmap and what is to be done to it), evaluated only when a `CIContext`
 /// renders it. Coordinates have their origin at the bottom left, in pixels. A value; any thread.
-class CIImage
+class KELVARA_EXPORT CIImage
 {
 public:
     /// A recipe of just this bitmap; its extent is (0, 0, width, height). Pixels are shared, not copied.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QImage>
 #include <QSizeF>
 
@@ -32,13 +34,13 @@ enum class CGImagePropertyOrientation {
 };
 
 /// The Exif orientation of the same name. A value outside the enumeration is a fatal error.
-[[nodiscard]] CGImagePropertyOrientation imagePropertyOrientation(UIImageOrientation orientation);
+[[nodiscard]] KELVARA_EXPORT CGImagePropertyOrientation imagePropertyOrientation(UIImageOrientation orientation);
 /// The inverse. A value outside the enumeration is a fatal error.
-[[nodiscard]] UIImageOrientation imageOrientation(CGImagePropertyOrientation orientation);
+[[nodiscard]] KELVARA_EXPORT UIImageOrientation imageOrientation(CGImagePropertyOrientation orientation);
 
 /// A picture: a bitmap, which way is up in it, and how many pixels make a point. A value with shared pixels, usable
 /// wherever a `QImage` is. Any thread.
-class UIImage
+class KELVARA_EXPORT UIImage
 {
 public:
     /// An image without bitmap content.
@@ -66,9 +68,9 @@ private:
 
 /// PNG of the upright image; absent when the image has no bitmap content or cannot be encoded. Lossless; an opaque
 /// image is written without an alpha channel. Any thread.
-[[nodiscard]] std::optional<QByteArray> UIImagePNGRepresentation(const UIImage& image);
+[[nodiscard]] KELVARA_EXPORT std::optional<QByteArray> UIImagePNGRepresentation(const UIImage& image);
 
 /// JPEG of the upright image at a quality of 0 to 1 (values outside are limited); absent as above. Any thread.
-[[nodiscard]] std::optional<QByteArray> UIImageJPEGRepresentation(const UIImage& image, double quality);
+[[nodiscard]] KELVARA_EXPORT std::optional<QByteArray> UIImageJPEGRepresentation(const UIImage& image, double quality);
 
 } // namespace kelvara

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Mrz/MrzLineReading.h"
 #include "Platform/Mrz/QKMRZResult.h"
 
@@ -31,7 +32,7 @@ namespace kelvara {
 /// two characters too short or too long are mended where fillers were lost or doubled and the check digits confirm it.
 ///
 /// Immutable while it parses; several threads may share one.
-class QKMRZParser
+class KELVARA_EXPORT QKMRZParser
 {
 public:
     explicit QKMRZParser(bool ocrCorrection = false);

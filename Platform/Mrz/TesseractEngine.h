@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Imaging/UIImage.h"
 #include "Platform/Mrz/MrzLineReading.h"
 
@@ -49,7 +50,7 @@ using TesseractResult = std::variant<TesseractText, TesseractError>;
 ///
 /// Made without cost: the model is loaded by the first reading, in a few dozen milliseconds. One thread at a time
 /// ("videoQueue"). The first engine of a process silences the messages of Leptonica, which it uses.
-class TesseractEngine
+class KELVARA_EXPORT TesseractEngine
 {
 public:
     TesseractEngine(QString language, TesseractDataSource dataSource, TesseractEngineMode mode);

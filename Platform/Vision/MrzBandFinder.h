@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QImage>
 #include <QPointF>
 
@@ -24,6 +26,6 @@ struct MrzBand
 /// light, turned by up to 10° from upright. The picture may show a whole document and what lies around it; capitals
 /// must be about 5 pixels high or more. Likeliest first, at most a handful; empty when there is nothing like it. Any
 /// thread.
-[[nodiscard]] std::vector<MrzBand> findMrzBands(const QImage& picture);
+[[nodiscard]] KELVARA_EXPORT std::vector<MrzBand> findMrzBands(const QImage& picture);
 
 } // namespace kelvara

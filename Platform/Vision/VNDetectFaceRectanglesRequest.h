@@ -1,11 +1,12 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Vision/VNRequest.h"
 
 namespace kelvara {
 
 /// Finds upright faces, in the detector's order.
-class VNDetectFaceRectanglesRequest final : public VNRequest
+class KELVARA_EXPORT VNDetectFaceRectanglesRequest final : public VNRequest
 {
 public:
     using VNRequest::VNRequest;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Vision/VNRequest.h"
 
 namespace kelvara {
@@ -16,7 +17,7 @@ struct RectangleLimits
 };
 
 /// Finds projected rectangles: cards, pages. Never the image's own border.
-class VNDetectRectanglesRequest final : public VNRequest
+class KELVARA_EXPORT VNDetectRectanglesRequest final : public VNRequest
 {
 public:
     using VNRequest::VNRequest;

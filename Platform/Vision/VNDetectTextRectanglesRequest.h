@@ -1,11 +1,12 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Vision/VNRequest.h"
 
 namespace kelvara {
 
 /// Finds lines of text as bands. Ends with `VNError::Kind::NoDetector` where the services have no text detector.
-class VNDetectTextRectanglesRequest final : public VNRequest
+class KELVARA_EXPORT VNDetectTextRectanglesRequest final : public VNRequest
 {
 public:
     using VNRequest::VNRequest;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Imaging/UIImage.h"
 #include "Platform/Vision/VNRequest.h"
 
@@ -14,7 +15,7 @@ namespace kelvara {
 /// Performs analysis requests on one bitmap. The detectors share the image's downscaled planes, which are computed
 /// once. The requests of one `perform` may be searched side by side on several cores; completions are called on the
 /// performing thread, in request order, before `perform` returns.
-class VNImageRequestHandler
+class KELVARA_EXPORT VNImageRequestHandler
 {
 public:
     /// `image` is turned upright by `orientation` before the analysis; what is found is normalised to the upright

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Vision/VNObservation.h"
 
 #include <QString>
@@ -29,7 +30,7 @@ struct VNError
 
 /// One analysis to be performed on an image. A handler performs it and calls the completion on the performing thread;
 /// one request is performed by one handler at a time and may be performed again and again.
-class VNRequest
+class KELVARA_EXPORT VNRequest
 {
 public:
     using Results = std::variant<std::monostate, std::vector<VNRectangleObservation>, std::vector<VNTextObservation>,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Vision/VNObservation.h"
 
 #include <memory>
@@ -11,7 +12,7 @@ struct RectangleLimits;
 class VisionImage;
 
 /// Finds quadrilaterals. Stateless towards its callers: any thread, several at a time.
-class RectangleDetector
+class KELVARA_EXPORT RectangleDetector
 {
 public:
     virtual ~RectangleDetector() = default;
@@ -20,7 +21,7 @@ public:
 };
 
 /// Finds lines of text. Any thread, several at a time.
-class TextRectangleDetector
+class KELVARA_EXPORT TextRectangleDetector
 {
 public:
     virtual ~TextRectangleDetector() = default;
@@ -28,7 +29,7 @@ public:
 };
 
 /// Finds upright faces. Any thread, several at a time.
-class FaceDetector
+class KELVARA_EXPORT FaceDetector
 {
 public:
     virtual ~FaceDetector() = default;
@@ -37,7 +38,7 @@ public:
 
 /// The detectors behind the analysis requests. A null one means that the request cannot be served. Immutable once
 /// shared; any thread.
-class VisionDetectors
+class KELVARA_EXPORT VisionDetectors
 {
 public:
     std::shared_ptr<const RectangleDetector> rectangles;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QImage>
 #include <QSize>
 
@@ -9,7 +11,7 @@ namespace kelvara {
 
 /// The analysed bitmap with the planes that several detectors need, each computed once, by whoever asks first. Any
 /// thread. (The planes are OpenCV matrices and declared in `VisionPlanes.h`, for detectors only.)
-class VisionImage
+class KELVARA_EXPORT VisionImage
 {
 public:
     /// `upright` in any 32-bit format; its pixels are shared and must not change while this lives.

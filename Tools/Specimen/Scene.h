@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Tools/Specimen/Specimen.h"
 
 #include <QImage>
@@ -53,16 +54,16 @@ struct Scene
 /// thread, while a QGuiApplication lives. Prints, persons and surfaces are kept: the next picture of the same scene, as
 /// of a film made with `shaken`, costs a tenth of the first. Surface and card tilt and move together, as under a moving
 /// camera; noise changes with the pose.
-[[nodiscard]] Scene photograph(const SpecimenData& data, const SceneOptions& options);
+[[nodiscard]] KELVARA_EXPORT Scene photograph(const SpecimenData& data, const SceneOptions& options);
 
 /// Options within the ranges of ordinary use, all from the seed: fill 0.60–0.99, all corners in the picture, tilts
 /// within an aspect of 1.35–1.60 (means of opposite sides, long over short), roll within ±7°, some shadow, noise and
 /// blur, any background. A selfie's face is 0.35–0.75 of the picture's height, but no wider than the picture.
-[[nodiscard]] SceneOptions ordinary(std::uint32_t seed, Subject subject, QSize size = { 1000, 700 });
+[[nodiscard]] KELVARA_EXPORT SceneOptions ordinary(std::uint32_t seed, Subject subject, QSize size = { 1000, 700 });
 
 /// A steady hand's shake: the same options moved, turned and exposed a little as at `seconds`. Smooth in time: between
 /// two frames of a thirtieth of a second a corner moves by less than a hundredth of the frame's width. A card that
 /// nearly fills the picture may be moved over its border.
-[[nodiscard]] SceneOptions shaken(const SceneOptions& options, double seconds);
+[[nodiscard]] KELVARA_EXPORT SceneOptions shaken(const SceneOptions& options, double seconds);
 
 } // namespace kelvara::specimen

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QDate>
 #include <QImage>
 #include <QRectF>
@@ -11,7 +13,7 @@
 namespace kelvara::specimen {
 
 /// Invented data of one identity card. Every value follows from the seed.
-struct SpecimenData
+struct KELVARA_EXPORT SpecimenData
 {
     QString surname;
     QString givenNames;
@@ -34,17 +36,17 @@ struct SpecimenData
 /// Prints an ID-1 card (85.60 × 53.98 mm, corner radius 3.18 mm) marked SPECIMEN. The image is transparent outside
 /// the rounded corners; `width` pixels wide. Null, with a warning that names the package, if a font is missing (see
 /// `printerProblem`). Any thread, while a QGuiApplication lives.
-[[nodiscard]] QImage printFront(const SpecimenData& data, int width = 1400);
-[[nodiscard]] QImage printBack(const SpecimenData& data, int width = 1400);
+[[nodiscard]] KELVARA_EXPORT QImage printFront(const SpecimenData& data, int width = 1400);
+[[nodiscard]] KELVARA_EXPORT QImage printBack(const SpecimenData& data, int width = 1400);
 
 /// Where the front's portrait (without the ghost portrait) lies, normalised to the card, origin top-left.
-[[nodiscard]] QRectF portraitRect();
+[[nodiscard]] KELVARA_EXPORT QRectF portraitRect();
 
 /// Where on the front the face lies (forehead to chin, ear to ear), normalised to the card, origin top-left.
-[[nodiscard]] QRectF printedFace(const SpecimenData& data);
+[[nodiscard]] KELVARA_EXPORT QRectF printedFace(const SpecimenData& data);
 
 /// Why nothing can be printed, as a sentence: a font file is missing, or there is no QGuiApplication. Empty if all is
 /// well.
-[[nodiscard]] QString printerProblem();
+[[nodiscard]] KELVARA_EXPORT QString printerProblem();
 
 } // namespace kelvara::specimen

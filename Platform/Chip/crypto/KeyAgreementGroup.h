@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/crypto/RandomSource.h"
+#include "Platform/Foundation/Export.h"
 
 #include <memory>
 #include <optional>
@@ -18,7 +19,7 @@ struct KeyPair
 /// strings as they go over the air (an uncompressed point; a number without leading zeros), scalars are big-endian
 /// numbers. Every element handed in is checked to lie in the group and not to be its neutral element before anything is
 /// calculated with it. Immutable; any thread.
-class KeyAgreementGroup
+class KELVARA_EXPORT KeyAgreementGroup
 {
 public:
     enum class Kind { DH, ECDH };

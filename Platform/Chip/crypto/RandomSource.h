@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/Bytes.h"
+#include "Platform/Foundation/Export.h"
 
 #include <functional>
 
@@ -10,6 +11,6 @@ namespace kelvara::chip {
 using RandomSource = std::function<Bytes(std::size_t count)>;
 
 /// The cryptographic generator of the platform. Its copies may be used on any thread.
-[[nodiscard]] RandomSource secureRandom();
+[[nodiscard]] KELVARA_EXPORT RandomSource secureRandom();
 
 } // namespace kelvara::chip

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/crypto/Digest.h"
+#include "Platform/Foundation/Export.h"
 
 #include <memory>
 #include <optional>
@@ -9,7 +10,7 @@ namespace kelvara::chip {
 
 /// A key for the signatures of active authentication: RSA of 1024 to 4096 bits, or a curve over a prime field. Only
 /// keys with a private part can sign. Copies share one key; any thread.
-class SignatureKey
+class KELVARA_EXPORT SignatureKey
 {
 public:
     /// From a SubjectPublicKeyInfo; absent for bytes that are no usable key.

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "Platform/Chip/lds/LdsText.h"
+#include "Platform/Foundation/Export.h"
 
 namespace kelvara::chip {
 
 /// DG1: the machine-readable zone as the chip holds it (ICAO Doc 9303-10 §4.7.1). Its text is split by place only;
 /// check digits are not judged and the fillers of single fields are cut off at their end. A value.
-struct DataGroup1
+struct KELVARA_EXPORT DataGroup1
 {
     enum class Format { TD1, TD2, TD3 };
 

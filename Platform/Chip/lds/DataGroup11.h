@@ -2,12 +2,13 @@
 
 #include "Platform/Chip/lds/EncodedImage.h"
 #include "Platform/Chip/lds/LdsText.h"
+#include "Platform/Foundation/Export.h"
 
 namespace kelvara::chip {
 
 /// DG11: more about the holder than the machine-readable zone has room for (ICAO Doc 9303-10 §4.7.11). Text is UTF-8 on
 /// the chip and may be in the national script. Everything is optional: what the file lacks is empty or absent. A value.
-struct DataGroup11
+struct KELVARA_EXPORT DataGroup11
 {
     std::optional<HolderName> fullName;
     std::vector<HolderName> otherNames;

@@ -2,12 +2,13 @@
 
 #include "Platform/Chip/lds/EncodedImage.h"
 #include "Platform/Chip/lds/LdsText.h"
+#include "Platform/Foundation/Export.h"
 
 namespace kelvara::chip {
 
 /// DG12: more about the document (ICAO Doc 9303-10 §4.7.12). Everything is optional: what the file lacks is empty or
 /// absent. A value.
-struct DataGroup12
+struct KELVARA_EXPORT DataGroup12
 {
     QString issuingAuthority;
     std::optional<QString> issueDate; ///< YYYYMMDD.

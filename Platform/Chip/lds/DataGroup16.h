@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/lds/LdsText.h"
+#include "Platform/Foundation/Export.h"
 
 namespace kelvara::chip {
 
@@ -14,7 +15,7 @@ struct PersonToNotify
 };
 
 /// DG16: persons to notify (ICAO Doc 9303-10 §4.7.16). A value.
-struct DataGroup16
+struct KELVARA_EXPORT DataGroup16
 {
     std::vector<PersonToNotify> persons; ///< At least one.
     Bytes raw;

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "Platform/Chip/lds/FaceRecord.h"
+#include "Platform/Foundation/Export.h"
 
 namespace kelvara::chip {
 
 /// DG2: the holder's face, in one or several pictures (ICAO Doc 9303-10 §4.7.2; CBEFF headers around facial records).
 /// A value.
-struct DataGroup2
+struct KELVARA_EXPORT DataGroup2
 {
     std::vector<FaceImage> faces; ///< At least one.
     Bytes raw;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/Tlv.h"
+#include "Platform/Foundation/Export.h"
 
 #include <cstdint>
 #include <optional>
@@ -48,27 +49,27 @@ struct DataGroupEntry
 };
 
 /// All files, in the order of the enumeration. Any thread.
-[[nodiscard]] std::span<const DataGroupEntry> dataGroupEntries();
-[[nodiscard]] const DataGroupEntry& entryOf(DataGroupId id);
+[[nodiscard]] KELVARA_EXPORT std::span<const DataGroupEntry> dataGroupEntries();
+[[nodiscard]] KELVARA_EXPORT const DataGroupEntry& entryOf(DataGroupId id);
 
 /// DG1 to DG16.
-[[nodiscard]] bool isDataGroup(DataGroupId id);
+[[nodiscard]] KELVARA_EXPORT bool isDataGroup(DataGroupId id);
 /// Its number, 1 to 16; absent for files that are no data groups.
-[[nodiscard]] std::optional<int> numberOf(DataGroupId id);
+[[nodiscard]] KELVARA_EXPORT std::optional<int> numberOf(DataGroupId id);
 /// The data group of a number; absent outside 1 to 16.
-[[nodiscard]] std::optional<DataGroupId> dataGroupOfNumber(int number);
+[[nodiscard]] KELVARA_EXPORT std::optional<DataGroupId> dataGroupOfNumber(int number);
 
 /// The file whose template has this tag; absent for tags of none.
-[[nodiscard]] std::optional<DataGroupId> dataGroupOfTag(Tag tag);
+[[nodiscard]] KELVARA_EXPORT std::optional<DataGroupId> dataGroupOfTag(Tag tag);
 /// The file of an identifier, within the LDS application or the master file.
-[[nodiscard]] std::optional<DataGroupId> dataGroupOfFileId(std::uint16_t fileId, bool inApplication);
+[[nodiscard]] KELVARA_EXPORT std::optional<DataGroupId> dataGroupOfFileId(std::uint16_t fileId, bool inApplication);
 /// The file of a name, exactly as written above.
-[[nodiscard]] std::optional<DataGroupId> dataGroupOfName(std::string_view name);
+[[nodiscard]] KELVARA_EXPORT std::optional<DataGroupId> dataGroupOfName(std::string_view name);
 
 /// The data groups of a list of tags, as EF.COM holds it: in its order, each once; tags of no data group are passed
 /// over.
-[[nodiscard]] std::vector<DataGroupId> dataGroupsOfTags(ByteView tags);
+[[nodiscard]] KELVARA_EXPORT std::vector<DataGroupId> dataGroupsOfTags(ByteView tags);
 /// The tags of data groups one after the other, ready for EF.COM.
-[[nodiscard]] Bytes tagsOf(std::span<const DataGroupId> ids);
+[[nodiscard]] KELVARA_EXPORT Bytes tagsOf(std::span<const DataGroupId> ids);
 
 } // namespace kelvara::chip

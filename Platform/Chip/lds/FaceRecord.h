@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/lds/EncodedImage.h"
+#include "Platform/Foundation/Export.h"
 
 #include <cstdint>
 #include <vector>
@@ -28,9 +29,9 @@ struct FaceImage
 
 /// The faces of a facial record ("FAC"), each of which holds an image. A record that is cut off gives the faces before
 /// the cut; bytes that are no such record give none.
-[[nodiscard]] std::vector<FaceImage> parseFaceRecord(ByteView record);
+[[nodiscard]] KELVARA_EXPORT std::vector<FaceImage> parseFaceRecord(ByteView record);
 
 /// The record of one or several faces.
-[[nodiscard]] Bytes makeFaceRecord(const std::vector<FaceImage>& faces);
+[[nodiscard]] KELVARA_EXPORT Bytes makeFaceRecord(const std::vector<FaceImage>& faces);
 
 } // namespace kelvara::chip

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/Bytes.h"
+#include "Platform/Foundation/Export.h"
 
 #include <cstdint>
 #include <optional>
@@ -8,7 +9,7 @@
 namespace kelvara::chip {
 
 /// A command to a card (ISO/IEC 7816-3 §12.1). A value.
-struct CommandApdu
+struct KELVARA_EXPORT CommandApdu
 {
     std::uint8_t cla = 0;
     std::uint8_t ins = 0;
@@ -25,7 +26,7 @@ struct CommandApdu
 };
 
 /// A card's answer.
-struct ResponseApdu
+struct KELVARA_EXPORT ResponseApdu
 {
     Bytes data;
     std::uint16_t sw = 0; ///< SW1 and SW2.

@@ -2,6 +2,7 @@
 
 #include "Platform/Chip/NFCViewDisplayMessage.h"
 #include "Platform/Chip/sheet/SheetPhase.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -24,7 +25,7 @@ class SheetPanel;
 /// cancelling or with `dismiss`. Then it slides down, gives the focus back, and deletes itself; what is told to it
 /// after its end is ignored. Hold it by `QPointer`. It also goes, without a word, with the widget or its window. Main
 /// thread.
-class ReaderSheet final : public QWidget
+class KELVARA_EXPORT ReaderSheet final : public QWidget
 {
     Q_OBJECT
 

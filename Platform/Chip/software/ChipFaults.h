@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -9,7 +11,7 @@
 namespace kelvara::chip::software {
 
 /// One thing that goes wrong with one command. A value.
-struct ChipFault
+struct KELVARA_EXPORT ChipFault
 {
     enum class Kind {
         TagLost, ///< The card leaves the field: the command is not carried out and there is no answer.
@@ -48,8 +50,8 @@ struct ChipFault
 };
 
 /// "tagLost" and so on, as files of profiles write them.
-[[nodiscard]] std::string_view nameOf(ChipFault::Kind kind);
-[[nodiscard]] std::optional<ChipFault::Kind> faultOfName(std::string_view name);
+[[nodiscard]] KELVARA_EXPORT std::string_view nameOf(ChipFault::Kind kind);
+[[nodiscard]] KELVARA_EXPORT std::optional<ChipFault::Kind> faultOfName(std::string_view name);
 
 /// How a chip and the way to it fail. A value.
 struct ChipFaults

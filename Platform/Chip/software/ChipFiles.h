@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/messaging/Apdu.h"
+#include "Platform/Foundation/Export.h"
 
 #include <cstdint>
 #include <map>
@@ -24,7 +25,7 @@ struct ReadingManners
 
 /// The files of a chip and the commands that read them (SELECT, READ BINARY; ISO/IEC 7816-4 §7.2), without protection:
 /// whether a file may be read is for the chip around this to say. One thread at a time.
-class ChipFiles
+class KELVARA_EXPORT ChipFiles
 {
 public:
     explicit ChipFiles(ReadingManners manners = {}) : m_manners(manners) { }

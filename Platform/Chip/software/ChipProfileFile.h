@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/software/ChipProfile.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QByteArray>
 #include <QDir>
@@ -14,6 +15,7 @@ namespace kelvara::chip::software {
 ///
 /// Trusts nothing: texts, lists, files and pictures are bounded, and only regular files are read. Keys and authority
 /// are made by `SoftwareChip::make`, anew for each chip. Any thread.
-[[nodiscard]] std::variant<ChipProfile, QString> chipProfileFromJson(const QByteArray& json, const QDir& base);
+[[nodiscard]] KELVARA_EXPORT std::variant<ChipProfile, QString> chipProfileFromJson(
+    const QByteArray& json, const QDir& base);
 
 } // namespace kelvara::chip::software

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <optional>
 #include <set>
 #include <string_view>
@@ -27,7 +29,7 @@ enum class Forgery {
 using Forgeries = std::set<Forgery>;
 
 /// "changedDG1" and so on, as files of profiles write them.
-[[nodiscard]] std::string_view nameOf(Forgery forgery);
-[[nodiscard]] std::optional<Forgery> forgeryOfName(std::string_view name);
+[[nodiscard]] KELVARA_EXPORT std::string_view nameOf(Forgery forgery);
+[[nodiscard]] KELVARA_EXPORT std::optional<Forgery> forgeryOfName(std::string_view name);
 
 } // namespace kelvara::chip::software

@@ -3,6 +3,7 @@
 #include "Platform/Chip/software/ChipProfile.h"
 #include "Platform/Chip/software/TraceEntry.h"
 #include "Platform/Chip/software/VirtualReaderCard.h"
+#include "Platform/Foundation/Export.h"
 
 #include <functional>
 #include <memory>
@@ -19,7 +20,7 @@ namespace kelvara::chip::software {
 /// Whatever bytes come in, it answers and goes on.
 ///
 /// Any thread: commands are carried out one after the other.
-class SoftwareChip
+class KELVARA_EXPORT SoftwareChip
 {
 public:
     /// A chip with fresh keys, or a sentence about what of the profile cannot be. Takes some tens of milliseconds,
@@ -68,6 +69,6 @@ private:
 };
 
 /// The chip as a card for the virtual reader of the machine's reader service.
-[[nodiscard]] VirtualReaderCard::Card virtualReaderCard(std::shared_ptr<SoftwareChip> chip);
+[[nodiscard]] KELVARA_EXPORT VirtualReaderCard::Card virtualReaderCard(std::shared_ptr<SoftwareChip> chip);
 
 } // namespace kelvara::chip::software

@@ -2,6 +2,7 @@
 
 #include "Platform/Chip/software/SoftwareChip.h"
 #include "Platform/Chip/transport/CardTerminal.h"
+#include "Platform/Foundation/Export.h"
 
 namespace kelvara::chip::software {
 
@@ -10,7 +11,7 @@ namespace kelvara::chip::software {
 ///
 /// Any thread for everything but `waitForCard` and channels, which are the reader's own. A channel may outlive its
 /// terminal.
-class SoftwareTerminal final : public CardTerminal
+class KELVARA_EXPORT SoftwareTerminal final : public CardTerminal
 {
 public:
     SoftwareTerminal();

@@ -2,6 +2,7 @@
 
 #include "Platform/Chip/crypto/Digest.h"
 #include "Platform/Chip/lds/DataGroupId.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QDateTime>
 #include <QString>
@@ -66,7 +67,7 @@ struct SecurityObjectOptions
 /// A state of one's own that issues documents: a country signing authority and a document signer, with keys made on the
 /// spot that live as long as the object. For chips that software plays and for a host's own tests; a host that trusts
 /// its certificate trusts everything it signs. A value that shares its keys; any thread.
-class TestAuthority
+class KELVARA_EXPORT TestAuthority
 {
 public:
     /// Absent where a key or certificate cannot be made as asked for (such as RSA of too few bits for the digest).

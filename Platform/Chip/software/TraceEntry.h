@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/messaging/Apdu.h"
+#include "Platform/Foundation/Export.h"
 
 #include <string>
 
@@ -17,6 +18,6 @@ struct TraceEntry
 };
 
 /// The name of a command as the standards have it; empty for others.
-[[nodiscard]] std::string commandName(const CommandApdu& command);
+[[nodiscard]] KELVARA_EXPORT std::string commandName(const CommandApdu& command);
 
 } // namespace kelvara::chip::software

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/Bytes.h"
+#include "Platform/Foundation/Export.h"
 
 #include <cstdint>
 #include <functional>
@@ -11,7 +12,7 @@ namespace kelvara::chip::software {
 
 /// Holds a software card to the virtual reader of pcscd (Debian's vsmartcard-vpcd), so that programs meet it through
 /// PC/SC as they would meet a real one. The card lies on the reader as long as this lives.
-class VirtualReaderCard
+class KELVARA_EXPORT VirtualReaderCard
 {
 public:
     struct Card

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/Bytes.h"
+#include "Platform/Foundation/Export.h"
 
 #include <string>
 #include <variant>
@@ -24,7 +25,7 @@ struct TransportError
 
 /// The way to one card in a reader's field. Closing it (by destruction) powers the card off, so that nothing of its
 /// session is left. One thread at a time, the reader's own.
-class CardChannel
+class KELVARA_EXPORT CardChannel
 {
 public:
     virtual ~CardChannel() = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/transport/CardChannel.h"
+#include "Platform/Foundation/Export.h"
 
 #include <atomic>
 #include <chrono>
@@ -21,7 +22,7 @@ private:
 };
 
 /// A contactless reader. One thread at a time, the reader's own, but for `isAvailable`.
-class CardTerminal
+class KELVARA_EXPORT CardTerminal
 {
 public:
     virtual ~CardTerminal() = default;

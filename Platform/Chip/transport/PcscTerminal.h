@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/transport/CardTerminal.h"
+#include "Platform/Foundation/Export.h"
 
 #include <string>
 
@@ -11,7 +12,7 @@ namespace kelvara::chip {
 ///
 /// Every card gets a context of its own, is held exclusively and within one transaction, and is powered off when its
 /// channel goes.
-class PcscTerminal final : public CardTerminal
+class KELVARA_EXPORT PcscTerminal final : public CardTerminal
 {
 public:
     /// `readerName`: a part of the name of the reader to use; empty: the first that takes cards.

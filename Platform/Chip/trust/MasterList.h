@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/Bytes.h"
+#include "Platform/Foundation/Export.h"
 
 #include <memory>
 #include <optional>
@@ -9,7 +10,7 @@ namespace kelvara::chip {
 
 /// The country signing authorities that a host trusts. What is in here comes from the host's own files, never from a
 /// chip. A value whose certificates are shared; any thread.
-class MasterList
+class KELVARA_EXPORT MasterList
 {
 public:
     /// No authority at all: everybody is untrusted.

@@ -2,6 +2,7 @@
 
 #include "Platform/Chip/trust/MasterList.h"
 #include "Platform/Chip/trust/SecurityObject.h"
+#include "Platform/Foundation/Export.h"
 
 namespace kelvara::chip {
 
@@ -30,7 +31,7 @@ enum class HashOutcome {
 };
 
 /// What passive authentication found out (ICAO Doc 9303-11 §5.1), each question apart. A value.
-struct PassiveAuthentication
+struct KELVARA_EXPORT PassiveAuthentication
 {
     SignatureOutcome signature = SignatureOutcome::Unsupported;
     SignerTrust signer = SignerTrust::NotChecked;

@@ -3,6 +3,7 @@
 #include "Platform/Chip/crypto/Digest.h"
 #include "Platform/Chip/lds/DataGroupId.h"
 #include "Platform/Chip/trust/SignedData.h"
+#include "Platform/Foundation/Export.h"
 
 #include <map>
 #include <string>
@@ -10,7 +11,7 @@
 namespace kelvara::chip {
 
 /// EF.SOD: the hashes of all data groups, signed by the document's issuer (ICAO Doc 9303-10 §4.6.2). A value.
-struct SecurityObject
+struct KELVARA_EXPORT SecurityObject
 {
     int version = 0; ///< Of its structure: 0 or 1.
     DigestAlgorithm digestAlgorithm = DigestAlgorithm::SHA256; ///< Of the data groups' hashes.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Chip/Bytes.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QDateTime>
 
@@ -17,7 +18,7 @@ enum class SignatureOutcome {
 
 /// What a signed message of CMS says (RFC 5652), its signature judged already. Whose certificate it is, is not judged
 /// here. A value.
-struct SignedData
+struct KELVARA_EXPORT SignedData
 {
     Bytes content;
     SignatureOutcome signature = SignatureOutcome::Unsupported;

@@ -1,0 +1,99 @@
+# What hosts include: the view and all that its README, its Docs and the demo host use, with everything that these
+# headers include themselves. They are installed under include/kelvara with the paths they have here, so that a host
+# writes the same line in the tree and outside of it.
+set(KELVARA_PUBLIC_HEADERS
+    Kelvara/FilterVendor.h
+    Kelvara/IDCardUtil.h
+    Kelvara/LinkedListViewType.h
+    Kelvara/LinkedListViewTypeIndex.h
+    Kelvara/LinkedListViewTypeNode.h
+    Kelvara/MrzPageReader.h
+    Kelvara/OcrbModel.h
+    Kelvara/QKMRZScanResult.h
+    Kelvara/QorvelKycView.h
+    Kelvara/QorvelKycViewDelegate.h
+    Kelvara/SdkModel.h
+    Kelvara/ViewType.h
+    Platform/Capture/AVCaptureDevice.h
+    Platform/Capture/AVCaptureTypes.h
+    Platform/Capture/CMSampleBuffer.h
+    Platform/Capture/CVPixelBuffer.h
+    Platform/Capture/CameraProvider.h
+    Platform/Capture/ReplayCamera.h
+    Platform/Chip/Bytes.h
+    Platform/Chip/ChipVerification.h
+    Platform/Chip/DataGroup.h
+    Platform/Chip/NFCPassportModel.h
+    Platform/Chip/NFCPassportReaderError.h
+    Platform/Chip/NFCReaderSession.h
+    Platform/Chip/NFCViewDisplayMessage.h
+    Platform/Chip/PassportReader.h
+    Platform/Chip/Tlv.h
+    Platform/Chip/access/PaceProtocol.h
+    Platform/Chip/crypto/BlockCipher.h
+    Platform/Chip/crypto/Digest.h
+    Platform/Chip/crypto/KeyAgreementGroup.h
+    Platform/Chip/crypto/RandomSource.h
+    Platform/Chip/crypto/SignatureKey.h
+    Platform/Chip/lds/COM.h
+    Platform/Chip/lds/DataGroup1.h
+    Platform/Chip/lds/DataGroup11.h
+    Platform/Chip/lds/DataGroup12.h
+    Platform/Chip/lds/DataGroup14.h
+    Platform/Chip/lds/DataGroup15.h
+    Platform/Chip/lds/DataGroup16.h
+    Platform/Chip/lds/DataGroup2.h
+    Platform/Chip/lds/DataGroup7.h
+    Platform/Chip/lds/DataGroupId.h
+    Platform/Chip/lds/EncodedImage.h
+    Platform/Chip/lds/FaceRecord.h
+    Platform/Chip/lds/LdsText.h
+    Platform/Chip/messaging/Apdu.h
+    Platform/Chip/sheet/ReaderSheet.h
+    Platform/Chip/sheet/SheetPhase.h
+    Platform/Chip/software/ChipFaults.h
+    Platform/Chip/software/ChipFiles.h
+    Platform/Chip/software/ChipProfile.h
+    Platform/Chip/software/ChipProfileFile.h
+    Platform/Chip/software/Forgery.h
+    Platform/Chip/software/SoftwareChip.h
+    Platform/Chip/software/SoftwareTerminal.h
+    Platform/Chip/software/TestAuthority.h
+    Platform/Chip/software/TraceEntry.h
+    Platform/Chip/software/VirtualReaderCard.h
+    Platform/Chip/transport/CardChannel.h
+    Platform/Chip/transport/CardTerminal.h
+    Platform/Chip/transport/PcscTerminal.h
+    Platform/Chip/trust/MasterList.h
+    Platform/Chip/trust/PassiveAuthentication.h
+    Platform/Chip/trust/SecurityObject.h
+    Platform/Chip/trust/SignedData.h
+    Platform/Foundation/Export.h
+    Platform/Foundation/FatalError.h
+    Platform/Foundation/MainQueue.h
+    Platform/Foundation/UserDefaults.h
+    Platform/Imaging/CIFilter.h
+    Platform/Imaging/CIFilterConstructor.h
+    Platform/Imaging/CIImage.h
+    Platform/Imaging/UIImage.h
+    Platform/Mrz/MrzLineReading.h
+    Platform/Mrz/QKMRZParser.h
+    Platform/Mrz/QKMRZResult.h
+    Platform/Mrz/TesseractEngine.h
+    Platform/PlatformServices.h
+    Platform/Vision/MrzBandFinder.h
+    Platform/Vision/VNDetectFaceRectanglesRequest.h
+    Platform/Vision/VNDetectRectanglesRequest.h
+    Platform/Vision/VNDetectTextRectanglesRequest.h
+    Platform/Vision/VNImageRequestHandler.h
+    Platform/Vision/VNObservation.h
+    Platform/Vision/VNRequest.h
+    Platform/Vision/VisionDetectors.h
+    Platform/Vision/VisionImage.h
+)
+
+# The printer and photographer of invented cards, for hosts' own tests.
+set(KELVARA_SPECIMEN_PUBLIC_HEADERS
+    Tools/Specimen/Scene.h
+    Tools/Specimen/Specimen.h
+)
