@@ -68,6 +68,14 @@ set(KELVARA_PUBLIC_HEADERS
     Platform/Chip/trust/PassiveAuthentication.h
     Platform/Chip/trust/SecurityObject.h
     Platform/Chip/trust/SignedData.h
+    Platform/Conference/ConferenceError.h
+    Platform/Conference/ConferenceInvitation.h
+    Platform/Conference/ConferencePage.h
+    Platform/Conference/ConferenceService.h
+    Platform/Conference/JitsiMeetConferenceOptions.h
+    Platform/Conference/JitsiMeetConferenceOptionsBuilder.h
+    Platform/Conference/JitsiMeetView.h
+    Platform/Conference/JitsiMeetViewDelegate.h
     Platform/Foundation/Export.h
     Platform/Foundation/FatalError.h
     Platform/Foundation/MainQueue.h

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QString>
 
 namespace kelvara {
@@ -22,7 +24,7 @@ enum class ConferenceErrorKind {
 };
 
 /// A value; any thread.
-struct ConferenceError
+struct KELVARA_EXPORT ConferenceError
 {
     ConferenceErrorKind kind;
     QString origin = {}; ///< Words of the client or the browser about it; never part of the token.

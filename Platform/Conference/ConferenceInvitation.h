@@ -2,6 +2,7 @@
 
 #include "Platform/Conference/ConferenceError.h"
 #include "Platform/Conference/JitsiMeetConferenceOptions.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QJsonObject>
 #include <QUrl>
@@ -11,7 +12,7 @@
 namespace kelvara {
 
 /// What a conference's page needs to join: the options, found to be such that a server can be asked. A value.
-class ConferenceInvitation
+class KELVARA_EXPORT ConferenceInvitation
 {
 public:
     /// The invitation, or why nobody can be asked: a server must be given, by an https address (http only on this very

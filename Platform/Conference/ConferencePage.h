@@ -2,6 +2,7 @@
 
 #include "Platform/Conference/ConferenceError.h"
 #include "Platform/Conference/ConferenceInvitation.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QObject>
 #include <QVariantMap>
@@ -13,7 +14,7 @@ namespace kelvara {
 /// One conference from its opening to its end, however it is brought about: the web engine's page, or what a test puts
 /// in its place. Made by a `ConferenceService` for one `open`, deleted when it is over. Signals come from the event
 /// loop, never inside a call. Main thread.
-class ConferencePage : public QObject
+class KELVARA_EXPORT ConferencePage : public QObject
 {
     Q_OBJECT
 public:

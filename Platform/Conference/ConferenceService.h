@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <memory>
 
 namespace kelvara {
@@ -7,7 +9,7 @@ namespace kelvara {
 class ConferencePage;
 
 /// How video calls are brought about on a device, as the view gets it from its platform. Main thread.
-class ConferenceService
+class KELVARA_EXPORT ConferenceService
 {
 public:
     virtual ~ConferenceService() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QList>
 #include <QString>
 #include <QUrl>
@@ -20,7 +22,7 @@ class JitsiMeetConferenceOptionsBuilder;
 ///
 /// What was never set is absent, and the conference server's own default applies. The token is a secret: the value
 /// keeps it in memory and shows it to nobody but the conference's page. Any thread.
-class JitsiMeetConferenceOptions
+class KELVARA_EXPORT JitsiMeetConferenceOptions
 {
 public:
     [[nodiscard]] static JitsiMeetConferenceOptions fromBuilder(

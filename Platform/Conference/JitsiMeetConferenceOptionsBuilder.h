@@ -1,11 +1,12 @@
 #pragma once
 
 #include "Platform/Conference/JitsiMeetConferenceOptions.h"
+#include "Platform/Foundation/Export.h"
 
 namespace kelvara {
 
 /// Collects the options of a conference; see `JitsiMeetConferenceOptions::fromBuilder`. One thread at a time.
-class JitsiMeetConferenceOptionsBuilder
+class KELVARA_EXPORT JitsiMeetConferenceOptionsBuilder
 {
 public:
     /// Absent, empty or invalid: no server.

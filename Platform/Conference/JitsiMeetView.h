@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Conference/JitsiMeetConferenceOptions.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QWidget>
 
@@ -22,7 +23,7 @@ class JitsiMeetViewDelegate;
 /// view in Turkish until the person dismisses it or another conference is joined; the delegate hears of it by
 /// `conferenceTerminated`. A conference with video takes the cameras from this process's capture sessions until it is
 /// over. The view may be deleted at any time, which ends its conference. Main thread only.
-class JitsiMeetView final : public QWidget
+class KELVARA_EXPORT JitsiMeetView final : public QWidget
 {
     Q_OBJECT
 public:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Foundation/MainQueue.h"
 
 #include <QVariantMap>
@@ -14,7 +15,7 @@ namespace kelvara {
 ///
 /// The data is the web client's own event data ("roomName", "id", "displayName" …), with "url", the room's address
 /// without the token, added. Absent when the client sent none.
-class JitsiMeetViewDelegate
+class KELVARA_EXPORT JitsiMeetViewDelegate
 {
 public:
     JitsiMeetViewDelegate() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QJsonObject>
 #include <QList>
 #include <QObject>
@@ -21,7 +23,7 @@ namespace kelvara {
 /// run on the main thread. A page that was not heard of for some five seconds has left.
 ///
 /// Main thread only. Signals come queued: anything may be done in them, deleting the conference included.
-class LocalConference final : public QObject
+class KELVARA_EXPORT LocalConference final : public QObject
 {
     Q_OBJECT
 public:
