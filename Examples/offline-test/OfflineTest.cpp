@@ -1,5 +1,5 @@
-// A host's own test of its way through the flow, without a camera, a card or a display: an invented card before replayed
-// cameras, and its chip in software.
+// A host's own test of its way through the flow, without a camera, a card or a display: an invented card before
+// replayed cameras, and its chip in software.
 
 #include <Kelvara/QorvelKycView.h>
 #include <Platform/Capture/ReplayCamera.h>

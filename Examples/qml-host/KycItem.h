@@ -6,7 +6,7 @@
 
 /// The view as a QML item, in a scene that a `QQuickWidget` shows: the widget lies over the scene, where the item is.
 /// Like every widget it is drawn above all items, so nothing of the scene can overlap it.
-class KycItem final : public QQuickItem, public kelvara::QorvelKycViewDelegate
+class KycItem : public QQuickItem, public kelvara::QorvelKycViewDelegate
 {
     Q_OBJECT
     /// The steps by name: "idPhoto", "selfie", "nfcRead", "jitsi".

@@ -26,15 +26,18 @@ Q_SIGNALS:
     void closed(const std::shared_ptr<kelvara::SdkModel>& record);
 
 private:
-    void didCaptureIdFrontPhoto(kelvara::QorvelKycView&, Photo image, const QString&, Photo crop, const QString&) override
+    void didCaptureIdFrontPhoto(
+        kelvara::QorvelKycView&, Photo image, const QString&, Photo crop, const QString&) override
     {
         Q_EMIT frontCaptured(image, crop);
     }
-    void didCaptureIdBackPhoto(kelvara::QorvelKycView&, Photo image, const QString&, Photo crop, const QString&) override
+    void didCaptureIdBackPhoto(
+        kelvara::QorvelKycView&, Photo image, const QString&, Photo crop, const QString&) override
     {
         Q_EMIT backCaptured(image, crop);
     }
-    void didCaptureSelfiePhoto(kelvara::QorvelKycView&, Photo image, const QString&, Photo crop, const QString&) override
+    void didCaptureSelfiePhoto(
+        kelvara::QorvelKycView&, Photo image, const QString&, Photo crop, const QString&) override
     {
         Q_EMIT selfieCaptured(image, crop);
     }

@@ -20,8 +20,9 @@ int main(int argc, char** argv)
 
     KycSignals events;
     view->setDelegate(&events);
-    QObject::connect(&events, &KycSignals::frontCaptured, told,
-        [told](const QImage&, const QImage& card) { told->setText(QStringLiteral("Front, %1 pixels wide").arg(card.width())); });
+    QObject::connect(&events, &KycSignals::frontCaptured, told, [told](const QImage&, const QImage& card) {
+        told->setText(QStringLiteral("Front, %1 pixels wide").arg(card.width()));
+    });
     QObject::connect(&events, &KycSignals::backCaptured, told, [told] { told->setText(QStringLiteral("Back")); });
     QObject::connect(&events, &KycSignals::selfieCaptured, told, [told] { told->setText(QStringLiteral("Selfie")); });
     QObject::connect(&events, &KycSignals::closed, &application, &QApplication::quit);
