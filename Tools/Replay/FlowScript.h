@@ -20,7 +20,7 @@ namespace kelvara::replay {
 /// What a specimen's picture is of.
 enum class Picture { Front, Back, Selfie, Nothing };
 
-/// What stands before the camera from the next frame on: the seed's specimen, or a picture, folder or video.
+/// What stands before the camera: the seed's specimen, or a picture, folder or video.
 struct Show
 {
     Picture picture = Picture::Nothing; ///< A selfie stands before the front camera, a card before the back one.

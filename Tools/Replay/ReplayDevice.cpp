@@ -108,7 +108,7 @@ PlatformServices ReplayDevice::services() const
     PlatformServices services;
     if (m_hasCameras)
         services.cameras = std::make_shared<ReplayCameraProvider>(m_back, m_front);
-    services.imageAnalysis = m_isTold ? toldDetectors(m_told) : VisionDetectors::native();
+    services.imageAnalysis = countingLooks(m_isTold ? toldDetectors(m_told) : VisionDetectors::native(), m_looks);
     services.nfc = m_hasReader ? NFCReaderSession::of(m_terminal) : nullptr;
     services.userDefaults = UserDefaults::inMemory();
     if (!m_trusted.fileName().isEmpty())

@@ -4,6 +4,7 @@
 #include "Platform/Chip/software/SoftwareTerminal.h"
 #include "Platform/PlatformServices.h"
 #include "Tools/Replay/FlowScript.h"
+#include "Tools/Replay/LookCounter.h"
 #include "Tools/Replay/ReplayConference.h"
 #include "Tools/Replay/ToldDetectors.h"
 
@@ -36,6 +37,8 @@ public:
 
     /// Frames that the cameras have delivered, back and front.
     [[nodiscard]] std::pair<std::int64_t, std::int64_t> deliveredFrames() const;
+    /// Pictures that the view has looked at.
+    [[nodiscard]] std::int64_t looks() const { return *m_looks; }
 
 private:
     explicit ReplayDevice(const FlowScript& script);
@@ -51,6 +54,7 @@ private:
     const bool m_hasCalls;
     const bool m_isTold;
     const std::shared_ptr<Told> m_told = std::make_shared<Told>();
+    const std::shared_ptr<std::atomic<std::int64_t>> m_looks = std::make_shared<std::atomic<std::int64_t>>(0);
     const std::shared_ptr<ReplayConference> m_conference = std::make_shared<ReplayConference>();
     const std::shared_ptr<chip::software::SoftwareTerminal> m_terminal
         = std::make_shared<chip::software::SoftwareTerminal>();

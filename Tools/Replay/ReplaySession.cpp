@@ -13,6 +13,10 @@ namespace kelvara::replay {
 
 namespace {
 
+constexpr std::int64_t kOnItsWay = 2;
+/// Far longer than any look, but a camera that fails meanwhile must not be waited for.
+constexpr std::chrono::milliseconds kLongestLook { 10'000 };
+
 const QString kRoom = QStringLiteral("room");
 const QString kToken = QStringLiteral("token");
 
@@ -141,7 +145,7 @@ void ReplaySession::perform(const Act& act)
             action(*m_view);
     };
     ReplayPage* const page = m_device->conference()->page();
-    std::visit(Overloaded { [](const Wait&) {}, [](const Tap&) {}, [&](const Show& shown) { m_device->show(shown); },
+    std::visit(Overloaded { [](const Wait&) {}, [](const Tap&) {}, [&](const Show& shown) { show(shown); },
                    [&](const PlugCameras& plugged) { m_device->plug(plugged); },
                    [&](const PlugReader& plugged) { m_device->plug(plugged); },
                    [&](const HoldChip&) { m_device->hold(); }, [&](const TakeChip&) { m_device->take(); },
@@ -193,6 +197,24 @@ void ReplaySession::perform(const Act& act)
                            m_destroyIn.append(destroyed.inside);
                    } },
         act);
+}
+
+void ReplaySession::show(const Show& shown)
+{
+    const auto frames = [this, isSelfie = m_watch->screen() == u"selfie"] {
+        const auto [back, front] = m_device->deliveredFrames();
+        return isSelfie ? front : back;
+    };
+    m_device->show(shown);
+    const QString screen = shown.picture == Picture::Selfie ? QStringLiteral("selfie") : QStringLiteral("idPhoto");
+    if (!m_view || !m_view->isScanning() || m_watch->screen() != screen)
+        return;
+    // What was seen of the picture before must not be taken for this one: one more of each may be on its way.
+    const std::int64_t delivered = frames() + kOnItsWay;
+    const bool isShown = spinUntil([&] { return !m_view || frames() >= delivered; }, kLongestLook);
+    const std::int64_t looks = m_device->looks() + kOnItsWay;
+    if (isShown)
+        static_cast<void>(spinUntil([&] { return !m_view || m_device->looks() >= looks; }, kLongestLook));
 }
 
 void ReplaySession::join(const QString& url)

@@ -48,6 +48,7 @@ private:
     [[nodiscard]] bool awaitAndTap(const Tap& tapped, const FlowStep& step);
     [[nodiscard]] bool holds(const QString& state) const;
     void perform(const Act& act);
+    void show(const Show& shown);
     void join(const QString& url);
     void setBackground(bool entered);
     void told(const QString& call);
