@@ -17,6 +17,7 @@ Commands:
   face   finds faces
   chip   reads an identity document's chip on a contactless reader, or one that software plays; it has options of its
          own: kelvara chip --help
+  flow   plays a whole session from a script: kelvara flow --help
 
 Options:
   --pretty            indent the JSON instead of one line for each picture

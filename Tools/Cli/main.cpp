@@ -1,4 +1,4 @@
-// The command line's `kelvara`: pictures or chips in, JSON out.
+// The command line's `kelvara`: pictures, chips or scripts in, JSON out.
 
 #include "Kelvara/OcrbModel.h"
 #include "Tools/Cli/Annotation.h"
@@ -6,10 +6,11 @@
 #include "Tools/Cli/ChipCommand.h"
 #include "Tools/Cli/CliOptions.h"
 #include "Tools/Cli/FaceLook.h"
+#include "Tools/Cli/FlowCommand.h"
 #include "Tools/Cli/MrzLook.h"
 #include "Tools/Cli/PictureFile.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QImageWriter>
 #include <QJsonDocument>
@@ -108,6 +109,12 @@ ExitCode treat(const QString& file, const CliOptions& options, Look& look)
 
 int main(int argc, char** argv)
 {
+    if (argc > 1 && QByteArray(argv[1]) == "flow") { // the only one with widgets, and they are seen by nobody
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        const QApplication application(argc, argv);
+        return runFlowCommand(QCoreApplication::arguments().mid(2));
+    }
     const QCoreApplication application(argc, argv);
     if (argc > 1 && QByteArray(argv[1]) == "chip")
         return runChipCommand(QCoreApplication::arguments().mid(2));
