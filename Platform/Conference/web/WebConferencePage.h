@@ -4,6 +4,7 @@
 #include "Platform/Conference/web/ConferenceBridge.h"
 
 #include <QPointer>
+#include <QSet>
 #include <QTimer>
 
 #include <chrono>
@@ -20,6 +21,7 @@ struct ConferencePatience
 {
     std::chrono::milliseconds script { 15000 }; ///< Until the embedding script has come.
     std::chrono::milliseconds client { 30000 }; ///< From then until the client gives its first sign of life.
+    std::chrono::milliseconds page { 30000 }; ///< For a page whose scripts do not come to an end.
 };
 
 /// A conference in the web engine: our own small page at the server's origin loads the server's embedding script, which
@@ -41,12 +43,16 @@ private:
     void scriptFailed(const QVariantMap& data);
     void clientFailed(const QVariantMap& data);
     void clientLives();
+    void feelPulse();
     void fail(ConferenceErrorKind kind, const QVariantMap& data = {});
 
     const ConferencePatience m_patience;
     QString m_invitation; ///< JSON, until the page is there.
     ConferenceBridge m_bridge;
     QTimer m_waiting;
+    QTimer m_pulse;
+    int m_missedBeats = 0;
+    QSet<QString> m_told; ///< What is told once.
     bool m_isUntrusted = false;
     bool m_isOver = false;
     // The view shows the page, the page uses the profile: they go in this order.
