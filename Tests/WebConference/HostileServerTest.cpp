@@ -44,8 +44,9 @@ protected:
     [[nodiscard]] bool isAlone() const
     {
         const QWidgetList windows = QApplication::topLevelWidgets();
-        return std::none_of(windows.begin(), windows.end(),
-            [&](const QWidget* other) { return other->isVisible() && other != &window; });
+        return std::none_of(windows.begin(), windows.end(), [&](const QWidget* other) {
+            return other->isVisible() && other != &window && !other->testAttribute(Qt::WA_DontShowOnScreen);
+        });
     }
     [[nodiscard]] QWebEngineView* page() const { return view.findChild<QWebEngineView*>(); }
 
@@ -138,6 +139,28 @@ TEST_F(HostileConference, GetsNothingOfTheDevice)
         EXPECT_EQ(attempt.value().toString().toStdString(), "refused") << attempt.key().toStdString();
     EXPECT_TRUE(runUntil([&] { return delegate.events.contains("joined"); })) << "and the call goes on";
     EXPECT_EQ(page()->url(), QUrl(server.url() + "/"));
+}
+
+TEST_F(HostileConference, OpensNoDialogsWhenThePersonTouchesAField)
+{
+    service->patience = { 30s, 60s, 60s };
+    server.setDeed(R"JS(
+        options.onload();
+        document.body.innerHTML = '<input type="color"><input type="file">';
+        for (const field of [...document.body.children].reverse()) {
+            field.style = 'position: fixed; left: 0; top: 0; width: 390px; height: 844px';
+            await new Promise((done) => field.addEventListener('click', done));
+            await pause(300);
+            field.remove();
+        }
+        tell('videoConferenceLeft');)JS");
+    join();
+    EXPECT_TRUE(runUntil([&] {
+        if (page() && page()->isVisible() && page()->focusProxy())
+            QTest::mouseClick(page()->focusProxy(), Qt::LeftButton, {}, QPoint(100, 100));
+        EXPECT_TRUE(isAlone());
+        return delegate.terminated() > 0;
+    }));
 }
 
 struct Deed

@@ -2,6 +2,7 @@
 
 #include "Platform/Conference/web/ConferenceProfile.h"
 #include "Platform/Conference/web/ConferenceWebPage.h"
+#include "Platform/Conference/web/ConferenceWebView.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -9,7 +10,6 @@
 #include <QWebChannel>
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
-#include <QWebEngineView>
 
 static void initConferenceResources()
 {
@@ -91,9 +91,7 @@ void WebConferencePage::open(const ConferenceInvitation& invitation)
         Q_EMIT wantsCamera();
     });
     installScripts();
-    m_view = new QWebEngineView;
-    m_view->setContextMenuPolicy(Qt::NoContextMenu);
-    m_view->setAcceptDrops(false);
+    m_view = new ConferenceWebView;
     m_view->setPage(m_page.get());
     m_waiting.start(m_patience.script);
     m_pulse.start(m_patience.page / kBeatsOfPatience);

@@ -9,12 +9,11 @@
 
 #include <chrono>
 
-class QWebEngineView;
-
 namespace kelvara {
 
 class ConferenceProfile;
 class ConferenceWebPage;
+class ConferenceWebView;
 
 /// How long a server may take.
 struct ConferencePatience
@@ -58,7 +57,7 @@ private:
     // The view shows the page, the page uses the profile: they go in this order.
     std::unique_ptr<ConferenceProfile> m_profile;
     std::unique_ptr<ConferenceWebPage> m_page;
-    QPointer<QWebEngineView> m_view; ///< Goes with its parent, if it has one by then.
+    QPointer<ConferenceWebView> m_view; ///< Goes with its parent, if it has one by then.
 };
 
 } // namespace kelvara
