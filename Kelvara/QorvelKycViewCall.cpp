@@ -79,6 +79,7 @@ void QorvelKycViewPrivate::conferenceWillJoin(const std::optional<QVariantMap>&)
 void QorvelKycViewPrivate::conferenceJoined(const std::optional<QVariantMap>&)
 {
     say("conferenceJoined");
+    ++joinedCalls;
     inJitsi = true;
 }
 
@@ -87,8 +88,9 @@ void QorvelKycViewPrivate::conferenceTerminated(const std::optional<QVariantMap>
     onMain([this] { cleanUp(); });
     if (const auto callback = didConferenceTerminated) { // a copy: it may replace itself
         const QPointer<QorvelKycView> view(q);
+        const int before = joinedCalls;
         callback(data);
-        if (!view)
+        if (!view || joinedCalls != before) // in a dialog of the callback's another call has begun
             return;
     }
     inJitsi = false;

@@ -241,6 +241,7 @@ public:
     // Call.
     JitsiMeetView* jitsiMeetView; ///< Owned by the view, like those that were joined before.
     bool inJitsi = false;
+    int joinedCalls = 0;
     std::function<void(const std::optional<QVariantMap>&)> didConferenceTerminated;
 
     // What was captured last.

@@ -61,7 +61,14 @@ struct AVCaptureSession::State
 
 AVCaptureSession::AVCaptureSession(QObject* parent) : QObject(parent), d(std::make_unique<State>())
 {
-    connect(&CameraArbiter::shared(), &CameraArbiter::interruptedChanged, this, &AVCaptureSession::update);
+    connect(&CameraArbiter::shared(), &CameraArbiter::interruptedChanged, this, [this] {
+        if (CameraArbiter::shared().isInterrupted()) { // at once, also in the midst of a configuration
+            d->stop();
+            tell();
+        } else {
+            update();
+        }
+    });
 }
 
 AVCaptureSession::~AVCaptureSession()
@@ -109,8 +116,8 @@ void AVCaptureSession::update()
             output->firstConnection()->setSensorRotation(d->active->device()->sensorRotation());
     d->updateReceivers();
 
-    const bool possible = d->wanted && d->active && d->active->device()->isConnected()
-        && !CameraArbiter::shared().isInterrupted();
+    const bool possible
+        = d->wanted && d->active && d->active->device()->isConnected() && !CameraArbiter::shared().isInterrupted();
     if (!possible) {
         d->stop();
     } else if (!d->running) {

@@ -37,13 +37,12 @@ struct WeakDelegate
 
 struct ConferenceHall::Conference
 {
-    Conference(const JitsiMeetView* view, JitsiMeetViewDelegate* hears) : owner(view)
+    explicit Conference(JitsiMeetViewDelegate* hears)
     {
         if (hears)
             delegate = { hears, hears->lifeToken() };
     }
 
-    const JitsiMeetView* const owner;
     WeakDelegate delegate;
     std::unique_ptr<ConferencePage> page; ///< Null: it could not even be opened.
     std::unique_ptr<CameraClaim> cameras;
@@ -51,19 +50,6 @@ struct ConferenceHall::Conference
     bool isPresented = false;
     bool isJoined = false;
     LifeToken life;
-};
-
-/// Marks that a page's signal is being handled.
-class ConferenceHall::InPage
-{
-public:
-    explicit InPage(ConferenceHall& hall) : m_hall(hall) { ++m_hall.m_callsFromPage; }
-    ~InPage() { --m_hall.m_callsFromPage; }
-    InPage(const InPage&) = delete;
-    InPage& operator=(const InPage&) = delete;
-
-private:
-    ConferenceHall& m_hall;
 };
 
 ConferenceHall& ConferenceHall::shared()
@@ -79,14 +65,13 @@ ConferenceHall::~ConferenceHall() = default;
 void ConferenceHall::join(const JitsiMeetView& view, const std::shared_ptr<ConferenceService>& service,
     JitsiMeetViewDelegate* delegate, const JitsiMeetConferenceOptions& options)
 {
-    if (const auto before = std::move(m_conference)) {
-        MainQueue::async(before->delegate.life,
-            [to = before->delegate] { to.tell(&JitsiMeetViewDelegate::conferenceTerminated, {}); });
-        dispose(*before);
-    }
+    // A browser does not bear its pages to outlive the application, but hosts leave windows behind.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &ConferenceHall::abandon, Qt::UniqueConnection);
+    abandon();
     leaveStage(); // the view that was put on the screen last is the one that is meant
     m_message.clear();
-    m_conference = std::make_unique<Conference>(&view, delegate);
+    m_conference = std::make_unique<Conference>(delegate);
+    m_owner = &view;
     open(service, options);
     place();
 }
@@ -105,44 +90,64 @@ void ConferenceHall::open(const std::shared_ptr<ConferenceService>& service, con
         failLater({ ConferenceErrorKind::Unavailable });
         return;
     }
-    if (accepted.startsWithVideo())
-        m_conference->cameras = CameraArbiter::shared().claim();
     listen(*m_conference->page);
+    const auto life = m_conference->life.token();
+    if (accepted.startsWithVideo())
+        claimCameras();
+    if (life.expired())
+        return;
     m_conference->page->open(accepted);
 }
 
 void ConferenceHall::listen(ConferencePage& page)
 {
-    connect(&page, &ConferencePage::willJoin, this, [this](const QVariantMap& data) {
-        const InPage call(*this);
-        const WeakDelegate to = m_conference->delegate;
-        to.tell(&JitsiMeetViewDelegate::conferenceWillJoin, completed(data));
+    // From a turn of the event loop of their own: whatever a delegate does then, be it a dialog's nested loop, nothing
+    // of the page is on the stack, and it can be destroyed, camera and all, at once.
+    const auto later
+        = [life = m_conference->life.token()](const std::function<void()>& block) { MainQueue::async(life, block); };
+    connect(&page, &ConferencePage::willJoin, this, [this, later](const QVariantMap& data) {
+        later([this, data] { tell(&JitsiMeetViewDelegate::conferenceWillJoin, data); });
     });
-    connect(&page, &ConferencePage::presented, this, [this] {
-        const InPage call(*this);
-        m_conference->isPresented = true;
-        place();
+    connect(&page, &ConferencePage::presented, this, [this, later] {
+        later([this] {
+            m_conference->isPresented = true;
+            place();
+        });
     });
-    connect(&page, &ConferencePage::wantsCamera, this, [this] {
-        if (!m_conference->cameras)
-            m_conference->cameras = CameraArbiter::shared().claim();
+    // At once, as the camera is opened next.
+    connect(&page, &ConferencePage::wantsCamera, this, &ConferenceHall::claimCameras);
+    connect(&page, &ConferencePage::joined, this, [this, later](const QVariantMap& data) {
+        later([this, data] {
+            m_conference->isPresented = true;
+            m_conference->isJoined = true;
+            place();
+            tell(&JitsiMeetViewDelegate::conferenceJoined, data);
+        });
     });
-    connect(&page, &ConferencePage::joined, this, [this](const QVariantMap& data) {
-        const InPage call(*this);
-        m_conference->isPresented = true;
-        m_conference->isJoined = true;
-        place();
-        const WeakDelegate to = m_conference->delegate;
-        to.tell(&JitsiMeetViewDelegate::conferenceJoined, completed(data));
+    connect(&page, &ConferencePage::ended, this,
+        [this, later](const QVariantMap& data) { later([this, data] { finish(data); }); });
+    connect(&page, &ConferencePage::failed, this, [this, later](const ConferenceError& error, const QVariantMap& data) {
+        later([this, error, data] { finish(data, error); });
     });
-    connect(&page, &ConferencePage::ended, this, [this](const QVariantMap& data) {
-        const InPage call(*this);
-        finish(data);
-    });
-    connect(&page, &ConferencePage::failed, this, [this](const ConferenceError& error, const QVariantMap& data) {
-        const InPage call(*this);
-        finish(data, error);
-    });
+}
+
+void ConferenceHall::claimCameras()
+{
+    if (m_conference->cameras)
+        return;
+    // Whoever hears that the cameras have stopped may end the conference.
+    const auto life = m_conference->life.token();
+    auto claim = CameraArbiter::shared().claim();
+    if (!life.expired())
+        m_conference->cameras = std::move(claim);
+}
+
+void ConferenceHall::tell(DelegateEvent what, const QVariantMap& data)
+{
+    if (!m_conference) // showing it made somebody end it
+        return;
+    const WeakDelegate to = m_conference->delegate;
+    to.tell(what, completed(data));
 }
 
 void ConferenceHall::failLater(const ConferenceError& error)
@@ -169,7 +174,7 @@ void ConferenceHall::leave(const JitsiMeetView& view)
 
 bool ConferenceHall::isInConference(const JitsiMeetView& view) const
 {
-    return m_conference && m_conference->owner == &view;
+    return m_conference && m_owner == &view;
 }
 
 QVariantMap ConferenceHall::completed(QVariantMap data) const
@@ -208,10 +213,7 @@ void ConferenceHall::dispose(Conference& conference)
         widget->hide();
         widget->setParent(nullptr);
     }
-    if (m_callsFromPage > 0)
-        conference.page.release()->deleteLater();
-    else
-        conference.page.reset(); // there may be no event loop any more that would do it
+    conference.page.reset(); // now, as the person is not to be seen any longer
     if (conference.cameras) {
         std::shared_ptr<CameraClaim> claim = std::move(conference.cameras);
         QTimer::singleShot(kCameraHandover, this, [claim = std::move(claim)]() mutable { claim.reset(); });
@@ -236,17 +238,26 @@ void ConferenceHall::viewHidden(JitsiMeetView& view)
 void ConferenceHall::forget(JitsiMeetView& view)
 {
     m_shown.removeAll(&view);
-    if (m_stage == &view) {
-        leaveStage();
+    if (m_stage == &view || (m_owner == &view && !m_stage)) // else it would stand there for whoever comes next
         m_message.clear();
-    }
-    if (isInConference(view)) {
-        const auto over = std::move(m_conference);
-        MainQueue::async(over->delegate.life, [to = over->delegate, data = over->url] {
-            to.tell(&JitsiMeetViewDelegate::conferenceTerminated, { { QStringLiteral("url"), data } });
-        });
-        dispose(*over);
-    }
+    if (m_stage == &view)
+        leaveStage();
+    if (isInConference(view))
+        abandon();
+    if (m_owner == &view)
+        m_owner = nullptr;
+    place();
+}
+
+void ConferenceHall::abandon()
+{
+    if (!m_conference)
+        return;
+    const QVariantMap data = completed({});
+    const auto over = std::move(m_conference);
+    MainQueue::async(over->delegate.life,
+        [to = over->delegate, data] { to.tell(&JitsiMeetViewDelegate::conferenceTerminated, data); });
+    dispose(*over);
     place();
 }
 
@@ -262,11 +273,15 @@ void ConferenceHall::dismissed()
 JitsiMeetView* ConferenceHall::chooseStage() const
 {
     for (JitsiMeetView* view : m_shown)
-        if (m_conference && view == m_conference->owner)
+        if (m_conference && view == m_owner)
             return view;
     // Once shown somewhere it stays there, also while its window is hidden for a moment.
     if (m_stage && !m_stage->isHidden())
         return m_stage;
+    // Beside the one that joined, lest it be seen in another window.
+    for (auto view = m_shown.crbegin(); view != m_shown.crend(); ++view)
+        if (m_owner && m_owner->parentWidget() && (*view)->parentWidget() == m_owner->parentWidget())
+            return *view;
     return m_shown.isEmpty() ? nullptr : m_shown.back();
 }
 

@@ -40,17 +40,19 @@ public:
 
 private:
     struct Conference;
-    class InPage;
-
     ConferenceHall();
     ~ConferenceHall() override;
     void open(const std::shared_ptr<ConferenceService>& service, const JitsiMeetConferenceOptions& options);
     void listen(ConferencePage& page);
+    void claimCameras();
+    void tell(void (JitsiMeetViewDelegate::*what)(const std::optional<QVariantMap>&), const QVariantMap& data);
     void failLater(const ConferenceError& error);
     void endLater();
     void dismissed();
     /// Ends the conference and tells its delegate.
     void finish(QVariantMap data, const std::optional<ConferenceError>& error = std::nullopt);
+    /// Ends the conference; its delegate hears of it from the event loop, if that still runs.
+    void abandon();
     void dispose(Conference& conference);
     [[nodiscard]] QVariantMap completed(QVariantMap data) const;
 
@@ -60,11 +62,11 @@ private:
     void leaveStage();
 
     std::unique_ptr<Conference> m_conference;
+    const JitsiMeetView* m_owner = nullptr; ///< The view that joined last, while it lives.
     QString m_message; ///< What went wrong, until it is dismissed.
     QList<JitsiMeetView*> m_shown; ///< On the screen, the latest last.
     QPointer<JitsiMeetView> m_stage;
     QPointer<ConferenceCover> m_cover;
-    int m_callsFromPage = 0; ///< While not 0, the page is in the midst of a signal and must outlive it.
 };
 
 } // namespace kelvara

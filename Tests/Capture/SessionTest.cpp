@@ -1,5 +1,8 @@
+#include "Platform/Foundation/CameraArbiter.h"
 #include "Tests/Capture/CaptureRig.h"
 #include "Tests/Capture/HandCamera.h"
+
+#include <QGuiApplication>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -195,6 +198,58 @@ TEST(Session, MayBeDeletedByWhoHearsOfIt)
     session->startRunning();
     camera->setConnected(false);
     EXPECT_EQ(session, nullptr);
+}
+
+TEST(Session, GivesTheCameraAwayForAsLongAsItIsClaimed)
+{
+    Rig one(stillCamera(quarters(kSize)));
+    Rig other(frontCamera());
+    one.session->startRunning();
+    other.session->beginConfiguration();
+    other.session->startRunning();
+    other.session->commitConfiguration();
+    ASSERT_TRUE(one.session->isRunning() && other.session->isRunning());
+    other.session->beginConfiguration();
+    auto first = CameraArbiter::shared().claim();
+    EXPECT_FALSE(one.session->isRunning());
+    EXPECT_FALSE(other.session->isRunning()) << "in the midst of a configuration, too";
+    other.session->commitConfiguration();
+    auto second = CameraArbiter::shared().claim();
+    first.reset();
+    Rig late(stillCamera(quarters(kSize)));
+    late.session->startRunning();
+    EXPECT_FALSE(late.session->isRunning());
+    EXPECT_FALSE(other.session->isRunning());
+    one.session->stopRunning();
+    second.reset();
+    EXPECT_FALSE(one.session->isRunning()) << "its owner stopped it meanwhile";
+    EXPECT_TRUE(other.session->isRunning());
+    EXPECT_TRUE(late.session->isRunning());
+    EXPECT_THAT(other.told, ElementsAre(true, false, true));
+}
+
+TEST(Session, ComesBackOnlyInTheForegroundAfterAClaim)
+{
+    const auto turn = [](Qt::ApplicationState state) { Q_EMIT qGuiApp->applicationStateChanged(state); };
+    Rig rig(stillCamera(quarters(kSize)));
+    rig.session->startRunning();
+    auto claim = CameraArbiter::shared().claim();
+    turn(Qt::ApplicationInactive);
+    turn(Qt::ApplicationHidden);
+    turn(Qt::ApplicationSuspended);
+    claim.reset();
+    EXPECT_FALSE(rig.session->isRunning());
+    turn(Qt::ApplicationHidden);
+    turn(Qt::ApplicationInactive);
+    EXPECT_FALSE(rig.session->isRunning());
+    claim = CameraArbiter::shared().claim(); // another call, from the background
+    turn(Qt::ApplicationActive);
+    EXPECT_FALSE(rig.session->isRunning());
+    claim.reset();
+    EXPECT_TRUE(rig.session->isRunning());
+    turn(Qt::ApplicationHidden);
+    turn(Qt::ApplicationActive);
+    EXPECT_THAT(rig.told, ElementsAre(true, false, true)) << "without a claim the background changes nothing";
 }
 
 TEST(Session, GoesInAnyOrderWhileRunning)

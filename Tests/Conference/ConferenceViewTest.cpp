@@ -6,6 +6,7 @@
 
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -177,8 +178,10 @@ TEST_F(ConferenceViews, ADelegateMayDeleteTheViewOrDieFirst)
         view->join(options());
         const QPointer<ScriptedPage> page = service->page();
         Q_EMIT page->willJoin({});
+        settle();
         if (page)
             Q_EMIT page->joined({});
+        settle();
         if (page)
             Q_EMIT page->ended({});
         settle();
@@ -197,6 +200,78 @@ TEST_F(ConferenceViews, ADelegateMayDeleteTheViewOrDieFirst)
     Q_EMIT service->page()->ended({});
     settle();
     EXPECT_FALSE(view->isInConference());
+}
+
+TEST_F(ConferenceViews, LeaveNoPageBehindADelegatesDialog)
+{
+    window.show();
+    int alive = -1;
+    JitsiMeetView* view = add();
+    delegate.during = [&](const QString& event) {
+        if (event != QLatin1String("terminated"))
+            return;
+        alive = service->alive();
+        QTest::qWait(1700); // the dialog stands longer than a client is given for its farewell
+    };
+    view->join(options());
+    Q_EMIT service->page()->joined({});
+    settle();
+    view->leave();
+    Q_EMIT service->page()->ended({});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return alive >= 0; }));
+    EXPECT_EQ(alive, 0);
+
+    alive = -1;
+    delegate.events.clear();
+    delegate.during = [&](const QString& event) {
+        if (event != QLatin1String("joined"))
+            return;
+        view->leave();
+        Q_EMIT service->page()->ended({});
+        EXPECT_TRUE(QTest::qWaitFor([&] { return delegate.terminated() == 1; }));
+        alive = service->alive();
+    };
+    view->join(options());
+    Q_EMIT service->page()->joined({});
+    settle();
+    EXPECT_EQ(alive, 0) << "the person hung up while the dialog stood";
+    EXPECT_EQ(delegate.terminated(), 1);
+}
+
+TEST_F(ConferenceViews, EndWithTheApplication)
+{
+    JitsiMeetView* const view = add(); // and nobody will delete it in time
+    view->join(options());
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    QCoreApplication::exec();
+    EXPECT_EQ(service->alive(), 0);
+    settle();
+    EXPECT_EQ(delegate.terminated(), 1);
+}
+
+TEST_F(ConferenceViews, KeepToTheirOwnWindowAndTheirOwnMessage)
+{
+    window.show();
+    JitsiMeetView* const joining = add(false);
+    JitsiMeetView* const beside = add();
+    QWidget elsewhere;
+    JitsiMeetView other(service, &elsewhere);
+    elsewhere.show();
+    joining->join(options());
+    EXPECT_EQ(place(), beside) << "though the other one was put on the screen later";
+    joining->leave();
+    settle();
+
+    {
+        QWidget neverShown;
+        JitsiMeetView unseen(service, &neverShown);
+        window.hide();
+        elsewhere.hide();
+        unseen.join(JitsiMeetConferenceOptions::fromBuilder([](JitsiMeetConferenceOptionsBuilder&) {}));
+        settle();
+    }
+    window.show();
+    EXPECT_FALSE(window.findChild<ConferenceCover*>()) << "what went wrong for a view that is gone";
 }
 
 TEST_F(ConferenceViews, TakeTheCameraOnlyForVideo)
@@ -223,11 +298,13 @@ TEST_F(ConferenceViews, LetClicksThroughWhenThereIsNothingToSee)
     EXPECT_NE(window.childAt(100, 100), nullptr);
     Q_EMIT service->page()->failed(
         { ConferenceErrorKind::TokenRefused, QStringLiteral("connection.passwordRequired") }, {});
+    settle();
     EXPECT_EQ(delegate.last["error"], "tokenRefused");
     EXPECT_EQ(delegate.last["origin"], "connection.passwordRequired");
     EXPECT_NE(window.childAt(100, 100), nullptr) << "the message stands";
     view->join(options());
     Q_EMIT service->page()->joined({});
+    settle();
     EXPECT_FALSE(window.findChild<ConferenceCover*>() && window.findChild<ConferenceCover*>()->isVisible())
         << "another conference takes the message away";
     view->leave();

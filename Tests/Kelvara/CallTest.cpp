@@ -42,6 +42,7 @@ protected:
     {
         call();
         Q_EMIT conference->page()->joined({});
+        settle();
     }
     [[nodiscard]] QList<JitsiMeetView*> callViews() const { return stage->view->findChildren<JitsiMeetView*>(); }
     [[nodiscard]] bool showsWaiting() const { return stage->isShown(stage->d().jitsiLabel); }
@@ -126,8 +127,10 @@ TEST_F(Call, IsSeenFromJoiningToItsEnd)
 
     CaptureStdout();
     Q_EMIT conference->page()->willJoin({});
+    settle();
     EXPECT_FALSE(stage->view->inJitsi());
     Q_EMIT conference->page()->joined({ { "roomName", "room" } });
+    settle();
     EXPECT_EQ(GetCapturedStdout(), "conferenceWillJoin\nconferenceJoined\n");
     EXPECT_TRUE(stage->view->inJitsi());
     settle();
@@ -135,6 +138,7 @@ TEST_F(Call, IsSeenFromJoiningToItsEnd)
     EXPECT_FALSE(reachesCloseButton()) << "the call lies over the controls";
 
     Q_EMIT conference->page()->ended({ { "roomName", "room" } });
+    settle();
     EXPECT_FALSE(stage->view->inJitsi());
     EXPECT_EQ(terminated, 1);
     EXPECT_EQ(last.value("roomName"), "room");
@@ -157,6 +161,7 @@ TEST_F(Call, ASecondOneReplacesTheFirst)
     EXPECT_EQ(terminated, 1) << "of the first";
     EXPECT_TRUE(seesCall());
     Q_EMIT conference->page()->joined({});
+    settle();
     EXPECT_TRUE(stage->view->inJitsi());
     Q_EMIT conference->page()->ended({});
     settle();
@@ -180,6 +185,20 @@ TEST_F(Call, TwoInOneTurnAndOneFromTheEndOfAnother)
     Q_EMIT conference->page()->ended({});
     settle();
     EXPECT_EQ(conference->alive(), 1);
+    EXPECT_TRUE(seesCall());
+}
+
+TEST_F(Call, OneBegunInADialogOfTheEndGoesOn)
+{
+    open();
+    join();
+    stage->view->setDidConferenceTerminated([&](const auto&) {
+        if (++terminated == 1)
+            join(); // which runs events, as a dialog does
+    });
+    Q_EMIT conference->page()->ended({});
+    settle();
+    EXPECT_TRUE(stage->view->inJitsi());
     EXPECT_TRUE(seesCall());
 }
 
@@ -246,11 +265,13 @@ TEST_F(Call, HasTheCameraUntilItsEnd)
     settle();
     EXPECT_FALSE(stage->view->isScanning());
     Q_EMIT conference->page()->ended({});
+    settle();
     EXPECT_TRUE(spinUntil([&] { return stage->view->isScanning(); }));
 
     join();
     stage->view->stopScanning();
     Q_EMIT conference->page()->ended({});
+    settle();
     EXPECT_TRUE(spinUntil([] { return !CameraArbiter::shared().isInterrupted(); }));
     settle();
     EXPECT_FALSE(stage->view->isScanning()) << "the host stopped it meanwhile";
@@ -261,6 +282,7 @@ TEST_F(Call, HasTheCameraUntilItsEnd)
     join();
     Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationHidden);
     Q_EMIT conference->page()->ended({});
+    settle();
     QTest::qWait(400);
     EXPECT_FALSE(stage->view->isScanning()) << "no camera starts in the background";
     Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive);
@@ -277,6 +299,7 @@ TEST_F(Call, EndsWithItsStep)
     EXPECT_TRUE(seesCall());
     EXPECT_FALSE(showsWaiting());
     Q_EMIT conference->page()->joined({});
+    settle();
     stage->view->showSelfieView();
     settle();
     EXPECT_FALSE(seesCall());
@@ -294,12 +317,14 @@ TEST_F(Call, TheHostMayDeleteTheViewAtAnyMoment)
         { "joined",
             [&] {
                 Q_EMIT conference->page()->joined({});
+                settle();
                 delete stage->view.data();
             } },
         { "at its end",
             [&] {
                 stage->view->setDidConferenceTerminated([&](const auto&) { delete stage->view.data(); });
                 Q_EMIT conference->page()->ended({});
+                settle();
             } },
         { "at a bad address",
             [&] {
@@ -309,6 +334,7 @@ TEST_F(Call, TheHostMayDeleteTheViewAtAnyMoment)
         { "taking leave",
             [&] {
                 Q_EMIT conference->page()->joined({});
+                settle();
                 stage->view->showIdPhotoView();
                 settle();
                 delete stage->view.data();

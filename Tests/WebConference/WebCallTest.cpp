@@ -2,9 +2,9 @@
 #include "Platform/Conference/ConferencePage.h"
 #include "Platform/Conference/local/LocalConference.h"
 #include "Platform/Foundation/CameraArbiter.h"
+#include "Tests/Support/BrowserLoop.h"
 #include "Tests/Support/KycHarness.h"
 
-#include <QEventLoop>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
@@ -12,28 +12,12 @@
 #include <QSslKey>
 #include <QSslServer>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <QWebEngineView>
 
 #include <gtest/gtest.h>
 
 namespace kelvara::test {
 namespace {
-
-/// Runs a real event loop until the condition holds: the browser lives in it, and in one that is only polled it crawls.
-bool runUntil(const std::function<bool()>& condition, int limit = 20000)
-{
-    QEventLoop loop;
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        if (condition())
-            loop.quit();
-    });
-    look.start(5);
-    QTimer::singleShot(limit, &loop, &QEventLoop::quit);
-    loop.exec();
-    return condition();
-}
 
 /// A phone with the device's own calls, at its video-call step, and a conference server in this process.
 class WebCall : public testing::Test

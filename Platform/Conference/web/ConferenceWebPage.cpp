@@ -1,6 +1,7 @@
 #include "Platform/Conference/web/ConferenceWebPage.h"
 
 #include <QAuthenticator>
+#include <QPointer>
 #include <QWebEngineCertificateError>
 #include <QWebEngineClientCertificateSelection>
 #include <QWebEngineFileSystemAccessRequest>
@@ -15,7 +16,8 @@ ConferenceWebPage::ConferenceWebPage(
     : QWebEnginePage(profile, parent), m_invitation(invitation)
 {
     setBackgroundColor(QColor(0x09, 0x12, 0x19));
-    connect(this, &QWebEnginePage::featurePermissionRequested, this, &ConferenceWebPage::decide);
+    // Later, as whoever hears that the camera is wanted may end the call, and the browser is in the midst of asking.
+    connect(this, &QWebEnginePage::featurePermissionRequested, this, &ConferenceWebPage::decide, Qt::QueuedConnection);
     connect(this, &QWebEnginePage::certificateError, this, [this](QWebEngineCertificateError error) {
         error.rejectCertificate();
         Q_EMIT untrusted();
@@ -50,10 +52,13 @@ void ConferenceWebPage::decide(const QUrl& origin, Feature feature)
         setFeaturePermission(origin, feature, PermissionDeniedByUser);
         return;
     }
+    const QPointer<ConferenceWebPage> self(this);
     if (isMicrophone)
         Q_EMIT microphoneGranted();
-    if (isCamera)
+    if (isCamera && self)
         Q_EMIT cameraGranted();
+    if (!self)
+        return;
     setFeaturePermission(origin, feature, PermissionGrantedByUser);
 }
 

@@ -2,6 +2,7 @@
 
 #include "Platform/Conference/web/ConferenceProfile.h"
 #include "Platform/Conference/web/ConferenceWebPage.h"
+#include "Platform/Conference/web/ConferenceWebView.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -9,7 +10,6 @@
 #include <QWebChannel>
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
-#include <QWebEngineView>
 
 static void initConferenceResources()
 {
@@ -21,6 +21,7 @@ namespace kelvara {
 namespace {
 
 constexpr qsizetype kLongestReport = 64 * 1024; ///< Events are short; whatever is longer is none.
+constexpr int kBeatsOfPatience = 6;
 
 QString resource(const char* name)
 {
@@ -60,6 +61,7 @@ WebConferencePage::WebConferencePage(ConferencePatience patience) : m_patience(p
 {
     m_waiting.setSingleShot(true);
     connect(&m_waiting, &QTimer::timeout, this, [this] { fail(ConferenceErrorKind::NoAnswer); });
+    connect(&m_pulse, &QTimer::timeout, this, &WebConferencePage::feelPulse);
     connect(&m_bridge, &ConferenceBridge::isReady, this,
         [this] { Q_EMIT m_bridge.invited(std::exchange(m_invitation, QString())); });
     connect(&m_bridge, &ConferenceBridge::reported, this, &WebConferencePage::reported);
@@ -89,11 +91,10 @@ void WebConferencePage::open(const ConferenceInvitation& invitation)
         Q_EMIT wantsCamera();
     });
     installScripts();
-    m_view = new QWebEngineView;
-    m_view->setContextMenuPolicy(Qt::NoContextMenu);
-    m_view->setAcceptDrops(false);
+    m_view = new ConferenceWebView;
     m_view->setPage(m_page.get());
     m_waiting.start(m_patience.script);
+    m_pulse.start(m_patience.page / kBeatsOfPatience);
     m_page->openAtServer(resource(":/kelvara/conference/conference.html"));
 }
 
@@ -119,6 +120,13 @@ void WebConferencePage::reported(const QString& json)
     const QVariantMap report = QJsonDocument::fromJson(json.toUtf8()).toVariant().toMap();
     const QString event = report.value(QStringLiteral("event")).toString();
     const QVariantMap data = report.value(QStringLiteral("data")).toMap();
+    static const QSet<QString> once { QStringLiteral("willJoin"), QStringLiteral("presented"),
+        QStringLiteral("joined") };
+    if (once.contains(event)) {
+        if (m_told.contains(event))
+            return;
+        m_told.insert(event);
+    }
     if (event == QLatin1String("scriptFailed")) {
         scriptFailed(data);
     } else if (event == QLatin1String("willJoin")) {
@@ -132,6 +140,7 @@ void WebConferencePage::reported(const QString& json)
     } else if (event == QLatin1String("left")) {
         m_isOver = true;
         m_waiting.stop();
+        m_pulse.stop();
         Q_EMIT ended(data);
     } else if (event == QLatin1String("error")) {
         clientFailed(data);
@@ -144,6 +153,20 @@ void WebConferencePage::clientLives()
 {
     // From here on the person may be waiting to be let in, and that takes as long as it takes.
     m_waiting.stop();
+}
+
+void WebConferencePage::feelPulse()
+{
+    // Beats are counted, not time, as a machine may have slept.
+    if (m_missedBeats++ >= kBeatsOfPatience) {
+        fail(ConferenceErrorKind::NoAnswer);
+        return;
+    }
+    m_page->runJavaScript(QStringLiteral("0"), QWebEngineScript::ApplicationWorld,
+        [page = QPointer<WebConferencePage>(this)](const QVariant&) {
+            if (page)
+                page->m_missedBeats = 0;
+        });
 }
 
 void WebConferencePage::scriptFailed(const QVariantMap& data)
@@ -174,6 +197,7 @@ void WebConferencePage::fail(ConferenceErrorKind kind, const QVariantMap& data)
     if (std::exchange(m_isOver, true))
         return;
     m_waiting.stop();
+    m_pulse.stop();
     Q_EMIT failed({ kind, data.value(QStringLiteral("name")).toString() }, data);
 }
 

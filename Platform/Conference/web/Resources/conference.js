@@ -78,8 +78,19 @@
         return config;
     };
 
+    // What an event says may be too long for us, or no JSON at all, as a picture of the person; that it came counts.
+    const textOf = (event, data) => {
+        try {
+            const text = JSON.stringify({ event, data });
+            if (text.length <= 60000)
+                return text;
+        } catch (error) { /* below */ }
+        const short = Object.entries(data).slice(0, 20).filter(([, value]) => typeof value === 'boolean'
+            || (typeof value === 'string' && value.length <= 1000));
+        return JSON.stringify({ event, data: Object.fromEntries(short) });
+    };
     const report = (event, data) => window.dispatchEvent(
-        new CustomEvent('kelvara-report', { detail: JSON.stringify({ event, data: data ?? {} }) }));
+        new CustomEvent('kelvara-report', { detail: textOf(event, data ?? {}) }));
 
     let client = null;
 
@@ -97,12 +108,23 @@
                 configOverwrite: config,
                 onload: () => report('presented'),
             });
+            listen();
         } catch (error) {
             // Not the script that was meant, though it has its name.
             report('scriptFailed', { status: 200 });
             return;
         }
         report('willJoin', { roomName: invitation.room });
+    };
+
+    let isAlive = false;
+    const alive = () => {
+        if (!isAlive)
+            report('alive');
+        isAlive = true;
+    };
+
+    const listen = () => {
         const on = (event, handle) => client.addListener(event, handle);
         on('videoConferenceJoined', (data) => report('joined', data));
         on('videoConferenceLeft', (data) => report('left', data));
@@ -110,7 +132,7 @@
         on('errorOccurred', (data) => report('error', data?.error ?? data));
         for (const sign of ['browserSupport', 'cameraError', 'micError', 'prejoinScreenLoaded', 'passwordRequired',
             'audioAvailabilityChanged', 'videoAvailabilityChanged', 'log'])
-            on(sign, () => report('alive'));
+            on(sign, alive);
     };
 
     // The status tells a server without the script from no server at all.

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QEventLoop>
+#include <QTimer>
+
+#include <functional>
+
+namespace kelvara::test {
+
+/// Runs a real event loop until the condition holds: the browser lives in it, and in one that is only polled it crawls.
+inline bool runUntil(const std::function<bool()>& condition, int limit = 20000)
+{
+    QEventLoop loop;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        if (condition())
+            loop.quit();
+    });
+    look.start(5);
+    QTimer::singleShot(limit, &loop, &QEventLoop::quit);
+    loop.exec();
+    return condition();
+}
+
+} // namespace kelvara::test
