@@ -4,8 +4,8 @@
 
 namespace kelvara {
 
-/// Shows a conference's page, and no dialog over it: the browser's own for choosing a colour, which no handler of a page
-/// is asked about, is turned away. Main thread.
+/// Shows a conference's page, and no dialog over it: the browser's own for choosing a colour, which no handler of a
+/// page is asked about, is turned away. Main thread.
 class ConferenceWebView final : public QWebEngineView
 {
     Q_OBJECT
