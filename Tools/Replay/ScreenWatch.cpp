@@ -78,7 +78,10 @@ bool ScreenWatch::eventFilter(QObject* watched, QEvent* event)
     if (!m_view)
         return false;
     look();
-    if (event->type() == QEvent::Show && watched->isWidgetType())
+    // Events to other objects may be other threads', handed over by Qt where the thread sanitizer cannot follow.
+    if (!watched->isWidgetType())
+        return false;
+    if (event->type() == QEvent::Show)
         shown(*static_cast<QWidget*>(watched));
     else if (event->type() == QEvent::Hide && m_sheet && watched == m_sheet)
         sheetGone();
