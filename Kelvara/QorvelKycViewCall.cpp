@@ -1,8 +1,8 @@
+#include "Kelvara/ConsoleLine.h"
 #include "Kelvara/QorvelKycView_p.h"
 #include "Platform/Conference/JitsiMeetConferenceOptionsBuilder.h"
 
 #include <array>
-#include <cstdio>
 
 namespace kelvara {
 
@@ -33,12 +33,6 @@ constexpr std::array kSwitchedOff {
     "server-url-change.enabled",
     "tile-view.enabled",
 };
-
-void say(const char* line)
-{
-    std::puts(line);
-    std::fflush(stdout);
-}
 
 } // namespace
 
@@ -73,12 +67,12 @@ void QorvelKycViewPrivate::openJitsiMeet(const QString& url, const QString& room
 
 void QorvelKycViewPrivate::conferenceWillJoin(const std::optional<QVariantMap>&)
 {
-    say("conferenceWillJoin");
+    printLine("conferenceWillJoin");
 }
 
 void QorvelKycViewPrivate::conferenceJoined(const std::optional<QVariantMap>&)
 {
-    say("conferenceJoined");
+    printLine("conferenceJoined");
     ++joinedCalls;
     inJitsi = true;
 }

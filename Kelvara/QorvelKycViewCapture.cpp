@@ -1,9 +1,8 @@
+#include "Kelvara/ConsoleLine.h"
 #include "Kelvara/QorvelKycView_p.h"
 #include "Platform/Capture/AVCaptureDevice.h"
 #include "Platform/Capture/CameraProvider.h"
 #include "Platform/Foundation/FatalError.h"
-
-#include <cstdio>
 
 namespace kelvara {
 
@@ -157,16 +156,12 @@ void QorvelKycViewPrivate::flashState()
     if (!device)
         return;
     // Whether there is a torch at all is left to the calls below, which the device then refuses.
-    const auto say = [](const char* line) {
-        std::puts(line);
-        std::fflush(stdout);
-    };
     if (!device->lockForConfiguration())
-        say("aaaa");
+        printLine("aaaa");
     if (device->isTorchActive())
         device->setTorchModeOff();
     else if (!device->setTorchModeOn(1.0F))
-        say("bbb");
+        printLine("bbb");
     device->unlockForConfiguration();
 }
 

@@ -1,3 +1,4 @@
+#include "Kelvara/ConsoleLine.h"
 #include "Kelvara/DateText.h"
 #include "Kelvara/IDCardModel.h"
 #include "Kelvara/IDCardSummary.h"
@@ -9,8 +10,6 @@
 #include "Platform/Chip/NFCReaderSession.h"
 #include "Platform/Chip/PassportReader.h"
 #include "Platform/Foundation/FatalError.h"
-
-#include <cstdio>
 
 namespace kelvara {
 
@@ -89,9 +88,8 @@ void QorvelKycViewPrivate::readCard(const std::optional<IDCardModel>& model)
             const std::shared_ptr<NFCPassportModel>& passport, const std::optional<NFCPassportReaderError>& error) {
             if (!passport) {
                 const QString line
-                    = QStringLiteral("Hata:  %1\n").arg(error ? error->debugDescription() : QStringLiteral("nil"));
-                std::fputs(line.toUtf8().constData(), stdout);
-                std::fflush(stdout);
+                    = QStringLiteral("Hata:  %1").arg(error ? error->debugDescription() : QStringLiteral("nil"));
+                printLine(line.toUtf8().constData());
                 return;
             }
             onMain([this, holder, passport] {

@@ -291,14 +291,19 @@ void ConferenceHall::leaveStage()
         if (QWidget* widget = m_conference->page->widget())
             widget->setParent(nullptr);
     }
-    if (m_cover) {
-        m_cover->hide();
-        m_cover->deleteLater(); // it may be the one that reports
-        m_cover = nullptr;
-    }
+    removeCover();
     if (m_stage)
         m_stage->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_stage = nullptr;
+}
+
+void ConferenceHall::removeCover()
+{
+    if (!m_cover)
+        return;
+    m_cover->hide();
+    m_cover->deleteLater(); // it may be the one that reports
+    m_cover = nullptr;
 }
 
 void ConferenceHall::place()
@@ -323,9 +328,7 @@ void ConferenceHall::place()
         connect(m_cover, &ConferenceCover::dismissed, this, &ConferenceHall::dismissed);
     }
     if (!isCovered && m_cover) {
-        m_cover->hide();
-        m_cover->deleteLater();
-        m_cover = nullptr;
+        removeCover();
         if (QWidget* widget = m_conference->page->widget())
             widget->setFocus();
     }

@@ -60,6 +60,7 @@ private:
     /// Shows what there is to show where it belongs.
     void place();
     void leaveStage();
+    void removeCover();
 
     std::unique_ptr<Conference> m_conference;
     const JitsiMeetView* m_owner = nullptr; ///< The view that joined last, while it lives.

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "Platform/Conference/local/LocalConference.h"
+#include "Tests/Support/BrowserLoop.h"
 
-#include <QDeadlineTimer>
-#include <QEventLoop>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStringList>
-#include <QTimer>
 #include <QWebEnginePage>
 #include <QWebEngineProfile>
 
@@ -16,23 +14,10 @@
 
 namespace kelvara::test {
 
-/// Runs the event loop until the condition holds; false when it never did within the limit. QTest's own wait sleeps
-/// between its looks, and a browser in the process, which passes a thousand small events for each call, sleeps with it.
+/// `runUntil` with more patience, and at once where the condition holds already.
 inline bool waitUntil(const std::function<bool()>& condition, int limit = 60000)
 {
-    const QDeadlineTimer deadline(limit);
-    QEventLoop loop;
-    QTimer look;
-    bool held = condition();
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        held = condition();
-        if (held || deadline.hasExpired())
-            loop.quit();
-    });
-    look.start(5);
-    if (!held)
-        loop.exec();
-    return held;
+    return condition() || runUntil(condition, limit);
 }
 
 /// Time for what must not come.

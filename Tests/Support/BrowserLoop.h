@@ -7,7 +7,8 @@
 
 namespace kelvara::test {
 
-/// Runs a real event loop until the condition holds: the browser lives in it, and in one that is only polled it crawls.
+/// Runs a real event loop until the condition holds; false when it never did within the limit. QTest's own wait sleeps
+/// between its looks, and a browser in the process, which passes a thousand small events for each call, sleeps with it.
 inline bool runUntil(const std::function<bool()>& condition, int limit = 20000)
 {
     QEventLoop loop;

@@ -30,19 +30,6 @@ constexpr int kLongestMilliseconds = 30000;
 constexpr int kTalkMilliseconds = 1500;
 constexpr int kRestMilliseconds = 1000; ///< After a call, for the browser to tidy up.
 
-struct Host final : QorvelKycViewDelegate
-{
-    void didDetectSdkDataBeforeJitsi(QorvelKycView&, const std::shared_ptr<SdkModel>&) override { }
-    void didCaptureIdFrontPhoto(QorvelKycView&, const UIImage&, const QString&, const UIImage&, const QString&) override
-    { }
-    void didCaptureIdBackPhoto(QorvelKycView&, const UIImage&, const QString&, const UIImage&, const QString&) override
-    { }
-    void didCaptureSelfiePhoto(QorvelKycView&, const UIImage&, const QString&, const UIImage&, const QString&) override
-    { }
-    void didReadNfc(QorvelKycView&, const NFCPassportModel&) override { }
-    void didClose(QorvelKycView&, const std::shared_ptr<SdkModel>&) override { }
-};
-
 bool run(const std::function<bool()>& condition, int limit)
 {
     QEventLoop loop;
@@ -105,10 +92,8 @@ int main(int argc, char** argv)
     }
     PlatformServices services;
     services.conference = ConferenceService::native();
-    Host host;
     QorvelKycView view(QRectF(0, 0, 390, 844), services);
     int terminated = 0;
-    view.setDelegate(&host);
     view.setDidConferenceTerminated([&terminated](const auto&) { ++terminated; });
     view.setViewTypes({ ViewType::jitsi });
     view.show();
