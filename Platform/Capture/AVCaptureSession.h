@@ -19,8 +19,9 @@ class AVCaptureVideoPreviewLayer;
 /// Frames count only while the session runs: what a device still sends after `stopRunning` is dropped. A camera that
 /// is unplugged stops the session (`isRunning` turns false); when it is back, the session runs again unless
 /// `stopRunning` was called in between. The same while something else of this process has claimed the cameras, as a
-/// video call does (`CameraArbiter`): the session is interrupted and goes on afterwards. Several changes between `beginConfiguration` and `commitConfiguration` take
-/// effect together at the commit.
+/// video call does, and while the application is in the background (`CameraArbiter`): the session is interrupted and
+/// goes on afterwards. Several changes between `beginConfiguration` and `commitConfiguration` take effect together at
+/// the commit.
 class AVCaptureSession : public QObject
 {
     Q_OBJECT

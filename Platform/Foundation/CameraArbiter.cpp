@@ -2,8 +2,6 @@
 
 #include <QGuiApplication>
 
-#include <utility>
-
 namespace kelvara {
 
 CameraClaim::~CameraClaim()
@@ -28,22 +26,16 @@ CameraArbiter::CameraArbiter()
 
 std::unique_ptr<CameraClaim> CameraArbiter::claim()
 {
-    const bool wasInterrupted = isInterrupted();
-    ++m_claims;
-    m_waitsForForeground = false;
     std::unique_ptr<CameraClaim> claim(new CameraClaim);
-    if (!wasInterrupted)
-        Q_EMIT interruptedChanged(true);
+    ++m_claims;
+    tell();
     return claim;
 }
 
 void CameraArbiter::release()
 {
-    if (--m_claims > 0)
-        return;
-    m_waitsForForeground = m_isInBackground;
-    if (!m_waitsForForeground)
-        Q_EMIT interruptedChanged(false);
+    --m_claims;
+    tell();
 }
 
 void CameraArbiter::applicationStateChanged(Qt::ApplicationState state)
@@ -51,9 +43,15 @@ void CameraArbiter::applicationStateChanged(Qt::ApplicationState state)
     if (state == Qt::ApplicationInactive) // another window has the focus, ours is still seen
         return;
     m_isInBackground = state == Qt::ApplicationHidden || state == Qt::ApplicationSuspended;
-    if (m_isInBackground || !std::exchange(m_waitsForForeground, false))
+    tell();
+}
+
+void CameraArbiter::tell()
+{
+    if (m_told == isInterrupted())
         return;
-    Q_EMIT interruptedChanged(false);
+    m_told = !m_told;
+    Q_EMIT interruptedChanged(m_told);
 }
 
 } // namespace kelvara

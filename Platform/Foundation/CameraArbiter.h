@@ -19,8 +19,9 @@ private:
     CameraClaim() = default;
 };
 
-/// What a phone's system does when a call wants the camera that an application is taking pictures with: a camera
-/// usually serves one client, so the capture sessions of this process are interrupted, and go on when the call is over.
+/// What a phone's system does with the cameras: when a call wants the one that an application is taking pictures with,
+/// the capture sessions of the process are interrupted, as a camera usually serves one client; and while the
+/// application is in the background (hidden or suspended) none of them runs. Afterwards they go on.
 ///
 /// One a process, as there is one set of cameras. Main thread only.
 class CameraArbiter final : public QObject
@@ -32,9 +33,8 @@ public:
     /// Takes the cameras away from all capture sessions; they have stopped when this returns.
     [[nodiscard]] std::unique_ptr<CameraClaim> claim();
 
-    /// Whether capture sessions must not run. Stays true after the last claim while the application is in the
-    /// background (hidden or suspended): nobody's camera is to start there.
-    [[nodiscard]] bool isInterrupted() const { return m_claims > 0 || m_waitsForForeground; }
+    /// Whether capture sessions must not run.
+    [[nodiscard]] bool isInterrupted() const { return m_claims > 0 || m_isInBackground; }
 
 Q_SIGNALS:
     void interruptedChanged(bool interrupted);
@@ -44,10 +44,11 @@ private:
     CameraArbiter();
     void release();
     void applicationStateChanged(Qt::ApplicationState state);
+    void tell();
 
     int m_claims = 0;
     bool m_isInBackground = false;
-    bool m_waitsForForeground = false;
+    bool m_told = false; ///< What `interruptedChanged` last said.
 };
 
 } // namespace kelvara

@@ -228,10 +228,11 @@ TEST(Session, GivesTheCameraAwayForAsLongAsItIsClaimed)
     EXPECT_THAT(other.told, ElementsAre(true, false, true));
 }
 
-TEST(Session, ComesBackOnlyInTheForegroundAfterAClaim)
+TEST(Session, RunsInTheForegroundOnly)
 {
     const auto turn = [](Qt::ApplicationState state) { Q_EMIT qGuiApp->applicationStateChanged(state); };
-    Rig rig(stillCamera(quarters(kSize)));
+    const auto camera = stillCamera(quarters(kSize));
+    Rig rig(camera);
     rig.session->startRunning();
     auto claim = CameraArbiter::shared().claim();
     turn(Qt::ApplicationInactive);
@@ -247,9 +248,19 @@ TEST(Session, ComesBackOnlyInTheForegroundAfterAClaim)
     EXPECT_FALSE(rig.session->isRunning());
     claim.reset();
     EXPECT_TRUE(rig.session->isRunning());
+
+    camera->setConnected(false);
     turn(Qt::ApplicationHidden);
+    camera->setConnected(true);
+    EXPECT_FALSE(rig.session->isRunning()) << "plugged in again in the background";
+    Rig late(stillCamera(quarters(kSize)));
+    late.session->startRunning();
+    EXPECT_FALSE(late.session->isRunning());
+    rig.session->stopRunning();
     turn(Qt::ApplicationActive);
-    EXPECT_THAT(rig.told, ElementsAre(true, false, true)) << "without a claim the background changes nothing";
+    EXPECT_FALSE(rig.session->isRunning()) << "its owner stopped it meanwhile";
+    EXPECT_TRUE(late.session->isRunning());
+    EXPECT_THAT(rig.told, ElementsAre(true, false, true, false));
 }
 
 TEST(Session, GoesInAnyOrderWhileRunning)

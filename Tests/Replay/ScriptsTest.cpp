@@ -81,7 +81,8 @@ INSTANTIATE_TEST_SUITE_P(Replay, Scripts,
             "sheet:gone" },
         ScriptRow { "camera-lost",
             "scanning:on step:idPhoto scanning:off scanning:on delegate:didCaptureIdFrontPhoto scanning:off "
-            "scanning:on delegate:didCaptureIdBackPhoto step:finished scanning:off delegate:didClose" },
+            "scanning:on scanning:off scanning:on delegate:didCaptureIdBackPhoto step:finished scanning:off "
+            "delegate:didClose" },
         ScriptRow { "delete-in-callback", "scanning:on step:selfie delegate:didCaptureSelfiePhoto destroyed" },
         ScriptRow { "call-lost",
             "delegate:didDetectSdkDataBeforeJitsi scanning:on step:jitsi scanning:off call:terminated scanning:on "

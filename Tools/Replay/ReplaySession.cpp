@@ -229,6 +229,8 @@ void ReplaySession::join(const QString& url)
 
 void ReplaySession::setBackground(bool entered)
 {
+    if (m_isInBackground && m_view && m_view->isScanning())
+        m_problems.append(QStringLiteral("isScanning is true in the background."));
     m_isInBackground = entered;
     Q_EMIT qGuiApp->applicationStateChanged(entered ? Qt::ApplicationHidden : Qt::ApplicationActive);
 }
