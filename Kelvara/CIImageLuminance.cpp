@@ -16,7 +16,8 @@ double averageLuminance(const CIImage& image)
         fatalError("The average of an image could not be formed.");
     std::array<std::uint8_t, 4> pixel {};
     CIContext::shared().renderRGBA8(*average, pixel.data(), pixel.size(), QRect(0, 0, 1, 1));
-    return pixel[0] / 255.0 * 0.213 + pixel[1] / 255.0 * 0.715 + pixel[2] / 255.0 * 0.072;
+    // In thousandths, so that white is exactly 1.
+    return (213 * pixel[0] + 715 * pixel[1] + 72 * pixel[2]) / 255000.0;
 }
 
 } // namespace kelvara

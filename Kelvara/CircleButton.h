@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kelvara/ControlButton.h"
+#include "Platform/Foundation/Export.h"
 
 #include <optional>
 
@@ -11,7 +12,7 @@ namespace kelvara {
 ///
 /// Made in code, it is neither round nor ready to spin until it was shaped, after it has its size. Deleting it while it
 /// spins is safe. Main thread.
-class CircleButton : public ControlButton
+class KELVARA_EXPORT CircleButton : public ControlButton
 {
     Q_OBJECT
 

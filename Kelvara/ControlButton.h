@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kelvara/ControlImage.h"
+#include "Platform/Foundation/Export.h"
 
 #include <QAbstractButton>
 #include <QColor>
@@ -15,7 +16,7 @@ class TouchMargin;
 /// What all buttons of the screens have in common: background colour and image, an image and a title above them,
 /// rounded corners, and the looks of being pressed, hovered over, focused and disabled. Pressed by touch, mouse, Space,
 /// Enter and assistive technology; `clicked()` is the touch-up-inside event. Geometry in points. Main thread.
-class ControlButton : public QAbstractButton
+class KELVARA_EXPORT ControlButton : public QAbstractButton
 {
     Q_OBJECT
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
 #include "Platform/Imaging/UIImage.h"
 
 #include <QSize>
@@ -15,7 +16,7 @@ namespace kelvara {
 
 /// A picture on a control: a bitmap, or one of the library's drawings, which is rendered sharp at whatever size and
 /// pixel ratio it is painted at. An image that came from `getMyImage` is such a drawing too. A value. Main thread.
-class ControlImage
+class KELVARA_EXPORT ControlImage
 {
 public:
     ControlImage(const UIImage& image);

@@ -42,6 +42,8 @@ QString nameOf(const std::type_info& type)
 
 void LuminanceThresholdFilter::setValue(const QVariant& value, const QString& key)
 {
+    if (takesImage(value, key))
+        return;
     bool isNumber = false;
     const double number = value.toDouble(&isNumber);
     if (isNumber && key == QLatin1String(kThresholdKey))

@@ -34,8 +34,7 @@ std::optional<QImage> preprocessImage(const QImage& image)
         || 4 * qint64 { image.width() } * image.height() > kMostPixels)
         return std::nullopt;
     const CIImage band(image);
-    // The eight-bit average of pure white may leave the sum of its weights a rounding above 1.
-    const MrzExposure exposure = MrzExposure::of(std::min(averageLuminance(band), 1.0));
+    const MrzExposure exposure = MrzExposure::of(averageLuminance(band));
     auto result
         = band.applyingFilter(QStringLiteral("CIExposureAdjust"), { { QLatin1String(kCIInputEVKey), exposure.stops } });
     if (result)

@@ -218,7 +218,7 @@ void QorvelKycView::setDidConferenceTerminated(std::function<void(const std::opt
 
 std::optional<UIImage> QorvelKycView::getMyImage(const QString& named) const
 {
-    return kelvara::getMyImage(named);
+    return kelvara::getMyImage(named, devicePixelRatioF());
 }
 
 void QorvelKycView::runTimedCode()

@@ -86,8 +86,9 @@ public:
 
     /// Opens the video call: on the video-call step only, otherwise nothing happens at all. All three strings come from
     /// the host's own server and are handed over as they are. The delegate's `didDetectSdkDataBeforeJitsi` comes before
-    /// the step changes, so that a call in there is too early and ignored; from the next turn of the event loop on it
-    /// is right. A second call ends the present conference and opens another one.
+    /// the step changes, so that a call in there is too early and ignored (unless the video call is the flow's first
+    /// step); from the next turn of the event loop on it is right. A second call ends the present conference and opens
+    /// another one.
     ///
     /// What goes wrong is told to the person on the screen, and by `didConferenceTerminated`: an address that is none
     /// (`QUrl::StrictMode`; one with blanks, for instance) leaves the conference without a server. While the call lasts

@@ -29,7 +29,8 @@ public:
     QorvelKycViewDelegate& operator=(const QorvelKycViewDelegate&) { return *this; }
 
     /// The video-call step begins: all that was collected so far. The step itself changes only after this call, so
-    /// `QorvelKycView::setJitsiConference` is ignored in here: arrange the conference, and call it later.
+    /// `QorvelKycView::setJitsiConference` is ignored in here (unless the call is the flow's first step), and steps set
+    /// in here give way to the call: arrange the conference, and call it later.
     virtual void didDetectSdkDataBeforeJitsi(QorvelKycView& view, const std::shared_ptr<SdkModel>& didDetect) = 0;
 
     /// The card's front was photographed.
@@ -48,7 +49,8 @@ public:
         const UIImage& cropImage, const QString& cropImageBase64)
         = 0;
 
-    /// The card's chip was read.
+    /// The card's chip was read. As with the back, the flow moves on right after this call; from the step that
+    /// the screen shows by then, should the host have left this one while the card was read.
     virtual void didReadNfc(QorvelKycView& view, const NFCPassportModel& didRead) = 0;
 
     /// The person pressed the close button. The view does nothing else: taking it away is the host's.

@@ -11,9 +11,14 @@ void QorvelKycViewPrivate::handleFacesRequest(const VNRequest& request, const st
     const auto* observations = request.resultsAs<VNFaceObservation>();
     if (!observations || observations->empty())
         return;
-    const std::optional<CIImage> image = inputCIImage.load();
-    if (!image || !inputCGImage.load())
+    if (!inputCGImage.load())
         return;
+    const std::optional<CIImage> image = inputCIImage.load();
+    if (!image) {
+        if (frameGeometry->step == ViewType::jitsi) // it looks for faces, and cuts out none
+            onMainForThisSide([this] { checkFace = true; });
+        return;
+    }
     const QRectF rect = scaled(observations->front().boundingBox, image->extent().size());
     const CIImage face = image->cropped(rect).oriented(CGImagePropertyOrientation::Up);
     if (face.extent().isEmpty())

@@ -129,9 +129,7 @@ void QorvelKycViewPrivate::callResultScreen(const std::shared_ptr<IDCardUtil>& h
         if (!view)
             return;
     }
-    // A host that went on to another step while the card was read would have that one skipped.
-    if (selectedViewType == ViewType::nfcRead)
-        getNextViewType();
+    getNextViewType();
 }
 
 } // namespace kelvara

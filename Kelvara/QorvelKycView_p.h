@@ -205,7 +205,7 @@ public:
     QTimer* refreshTimer = nullptr;
 
     // Capture.
-    QSizeF bufferSize;
+    QSizeF bufferSize { 0, 0 };
     SerialQueue videoDataOutputQueue { QStringLiteral("videoDataOutputQueue"), QualityOfService::UserInitiated };
     SerialQueue videoQueue { QStringLiteral("videoQueue"), QualityOfService::UserInteractive };
     std::shared_ptr<AVCaptureSession> captureSession = std::make_shared<AVCaptureSession>();

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "Kelvara/ControlButton.h"
+#include "Platform/Foundation/Export.h"
 
 namespace kelvara {
 
 /// A button for hosts' own layouts that rounds its corners by 15 points once it was loaded from one. Made in code and
 /// not awoken, it stays square. Main thread.
-class RoundedButton : public ControlButton
+class KELVARA_EXPORT RoundedButton : public ControlButton
 {
     Q_OBJECT
 

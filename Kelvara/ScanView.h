@@ -1,11 +1,13 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QWidget>
 
 namespace kelvara {
 
 /// A framed box that a host may lay over a picture. Paints nothing until it is shaped. Main thread.
-class ScanView : public QWidget
+class KELVARA_EXPORT ScanView : public QWidget
 {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Foundation/Export.h"
+
 #include <QImage>
 #include <QLabel>
 
@@ -7,7 +9,7 @@ namespace kelvara {
 
 /// The instruction label: white text, readable over whatever the camera shows, because every letter has a dark seam.
 /// It lets every mouse and touch event through. Wraps between words, in need inside one. Main thread.
-class StatementLabel : public QLabel
+class KELVARA_EXPORT StatementLabel : public QLabel
 {
     Q_OBJECT
 

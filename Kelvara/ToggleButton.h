@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kelvara/ControlButton.h"
+#include "Platform/Foundation/Export.h"
 
 #include <optional>
 
@@ -11,7 +12,7 @@ namespace kelvara {
 /// The state flips at the end of every touch, before `clicked()`: also of one released outside the button (then without
 /// `clicked()`), and of every press by keyboard or assistive technology. A touch that is taken away does not count.
 /// Small ones can be pressed within 44 × 44 points. Main thread.
-class ToggleButton : public ControlButton
+class KELVARA_EXPORT ToggleButton : public ControlButton
 {
     Q_OBJECT
 

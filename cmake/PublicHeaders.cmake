@@ -2,6 +2,9 @@
 # headers include themselves. They are installed under include/kelvara with the paths they have here, so that a host
 # writes the same line in the tree and outside of it.
 set(KELVARA_PUBLIC_HEADERS
+    Kelvara/CircleButton.h
+    Kelvara/ControlButton.h
+    Kelvara/ControlImage.h
     Kelvara/FilterVendor.h
     Kelvara/IDCardUtil.h
     Kelvara/LinkedListViewType.h
@@ -12,7 +15,11 @@ set(KELVARA_PUBLIC_HEADERS
     Kelvara/QKMRZScanResult.h
     Kelvara/QorvelKycView.h
     Kelvara/QorvelKycViewDelegate.h
+    Kelvara/RoundedButton.h
+    Kelvara/ScanView.h
     Kelvara/SdkModel.h
+    Kelvara/StatementLabel.h
+    Kelvara/ToggleButton.h
     Kelvara/ViewType.h
     Platform/Capture/AVCaptureDevice.h
     Platform/Capture/AVCaptureTypes.h

@@ -32,6 +32,8 @@ public:
     void beginConfiguration();
     void commitConfiguration();
 
+    // The preset is kept for those who ask. No device changes its format for it: with Qt 6.4's back end a format that
+    // is set by hand brings cameras to a standstill.
     [[nodiscard]] bool canSetSessionPreset(AVCaptureSessionPreset preset) const;
     void setSessionPreset(AVCaptureSessionPreset preset);
     [[nodiscard]] AVCaptureSessionPreset sessionPreset() const;

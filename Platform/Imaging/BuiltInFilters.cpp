@@ -16,7 +16,11 @@ namespace {
 class KeyedFilter : public CIFilter
 {
 public:
-    void setValue(const QVariant& value, const QString& key) override { m_values.insert(key, value); }
+    void setValue(const QVariant& value, const QString& key) override
+    {
+        if (!takesImage(value, key))
+            m_values.insert(key, value);
+    }
 
 protected:
     /// The input as a T; absent when it is missing or something else.

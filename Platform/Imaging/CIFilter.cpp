@@ -45,6 +45,17 @@ private:
 
 } // namespace
 
+bool CIFilter::takesImage(const QVariant& value, const QString& key)
+{
+    if (key != QLatin1String(kCIInputImageKey))
+        return false;
+    if (value.metaType() == QMetaType::fromType<CIImage>())
+        inputImage = *static_cast<const CIImage*>(value.constData());
+    else
+        inputImage.reset();
+    return true;
+}
+
 std::unique_ptr<CIFilter> CIFilter::filter(const QString& name)
 {
     // The constructor runs outside the registry's lock: it may look up filters itself.

@@ -48,7 +48,7 @@ class KELVARA_EXPORT CIFilter
 public:
     virtual ~CIFilter() = default;
 
-    /// Sets an input by its key; an unknown key is ignored.
+    /// Sets an input by its key, the image ("inputImage", a `CIImage`) too; an unknown key is ignored.
     virtual void setValue(const QVariant& value, const QString& key) = 0;
     void setInputImage(std::optional<CIImage> image) { inputImage = std::move(image); }
 
@@ -71,6 +71,9 @@ public:
     [[nodiscard]] static QVariantMap classAttributes(const QString& name);
 
 protected:
+    /// What every filter does with a key first: true when it was the image's. Anything but an image takes it away.
+    bool takesImage(const QVariant& value, const QString& key);
+
     std::optional<CIImage> inputImage;
 };
 

@@ -49,6 +49,7 @@ TEST(AverageLuminance, WeighsTheMeanOfTheLight)
     };
     for (const Row& row : rows)
         EXPECT_NEAR(averageLuminance(CIImage(row.image)), row.luminance, 1e-12) << row.name;
+    EXPECT_EQ(averageLuminance(CIImage(filled(size, Qt::white))), 1.0);
     const CIImage picture(halves({ 30, 8 }, Qt::black, Qt::white));
     EXPECT_NEAR(averageLuminance(picture.cropped({ 15, 0, 15, 8 })), 1.0, 1e-12) << "of what the crop left";
 }

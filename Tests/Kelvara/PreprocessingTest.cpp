@@ -18,7 +18,8 @@ QImage uniform(QRgb color, QImage::Format format = QImage::Format_RGB32, QSize s
 QRgb thresholded(QRgb pixel, double threshold)
 {
     LuminanceThresholdFilter filter;
-    filter.setInputImage(CIImage(uniform(pixel, QImage::Format_ARGB32_Premultiplied)));
+    filter.setValue(QVariant::fromValue(CIImage(uniform(pixel, QImage::Format_ARGB32_Premultiplied))),
+        QLatin1String(kCIInputImageKey));
     filter.setValue(threshold, QStringLiteral("inputThreshold"));
     return CIContext::shared().createCGImage(*filter.outputImage(), QRectF(0, 0, 1, 1))->pixel(0, 0);
 }
@@ -69,6 +70,9 @@ TEST(LuminanceThreshold, StartsWithHalfAndNoImage)
     filter.setValue(QStringLiteral("much"), QStringLiteral("inputThreshold"));
     filter.setValue(0.25, QStringLiteral("inputthreshold"));
     EXPECT_EQ(filter.inputThreshold, 0.5);
+    filter.setInputImage(CIImage(uniform(qRgb(9, 9, 9), QImage::Format_ARGB32_Premultiplied)));
+    filter.setValue(QStringLiteral("a picture"), QLatin1String(kCIInputImageKey));
+    EXPECT_FALSE(filter.outputImage());
 }
 
 TEST(FilterVendor, MakesItsFilterKnownByName)
