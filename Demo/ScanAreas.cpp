@@ -11,7 +11,6 @@ constexpr double kPortraitWidth = 0.9;
 constexpr double kLandscapeHeight = 0.75;
 constexpr QSizeF kOval(300, 400);
 
-constexpr double kCardMillimetres = 85.6;
 constexpr double kCapitalMillimetres = 2.54;
 constexpr double kWellHeldCard = 0.91;
 

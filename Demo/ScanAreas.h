@@ -21,6 +21,9 @@ struct ScanAreas
     [[nodiscard]] double mrzCapitalHeight() const;
 };
 
+/// The width of an ID-1 card (ISO/IEC 7810).
+inline constexpr double kCardMillimetres = 85.6;
+
 /// Below this many pixels the machine-readable zone's capitals are not read reliably.
 inline constexpr double kReadableCapital = 16;
 

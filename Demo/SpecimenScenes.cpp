@@ -12,7 +12,6 @@ constexpr double kFrontFill = 0.93;
 constexpr double kBackFill = 0.955; ///< Nearer: the machine-readable lines must span four fifths of the cut-out.
 constexpr double kFaceFill = 0.5;
 constexpr double kCornerMillimetres = 3.18;
-constexpr double kCardMillimetres = 85.6;
 /// Within the plate's spare margin, whatever the shake asks for.
 constexpr double kWidestShift = 24;
 constexpr double kWidestRoll = 1.0;

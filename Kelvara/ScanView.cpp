@@ -6,7 +6,7 @@ namespace kelvara {
 
 namespace {
 
-constexpr double kCornerRadius = 5.0;
+constexpr double kFrameRadius = 5.0;
 constexpr double kBorderWidth = 3.0;
 
 } // namespace
@@ -33,7 +33,7 @@ void ScanView::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(Qt::white, kBorderWidth));
     painter.drawRoundedRect(
-        QRectF(rect()).adjusted(inset, inset, -inset, -inset), kCornerRadius - inset, kCornerRadius - inset);
+        QRectF(rect()).adjusted(inset, inset, -inset, -inset), kFrameRadius - inset, kFrameRadius - inset);
 }
 
 } // namespace kelvara

@@ -11,6 +11,10 @@ endif()
 add_library(kelvara_options INTERFACE)
 target_compile_options(kelvara_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
                        -Woverloaded-virtual -fno-math-errno -pthread)
+if(CMAKE_UNITY_BUILD)
+    # What one file names may well be hidden in another; builds of single files look for it.
+    target_compile_options(kelvara_options INTERFACE -Wno-shadow -Wno-subobject-linkage)
+endif()
 target_compile_definitions(kelvara_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII
                            QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
 if(KELVARA_SANITIZE STREQUAL "address")

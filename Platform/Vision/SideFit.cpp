@@ -12,10 +12,10 @@ namespace {
 
 constexpr int kStations = 36;
 constexpr int kEndStations = 6; ///< At each end of the side.
-constexpr float kSkippedEnd = 0.09F;
+constexpr float kUnmeasuredEnd = 0.09F;
 constexpr int kMostReach = 10;
 constexpr int kRim = 4; ///< Pixels on both sides of the edge whose colours are compared.
-constexpr float kFaintest = 2.0F; ///< Edge strength in grey levels.
+constexpr float kFaintestEdge = 2.0F; ///< Edge strength in grey levels.
 constexpr float kFullStrength = 8.0F; ///< At which an edge counts half.
 constexpr int kEdgesAtStation = 4;
 
@@ -61,9 +61,10 @@ public:
         const float length = std::max(distance(from, to), 1.0F);
         m_along = (to - from) / length;
         m_inward = { -m_along.y, m_along.x };
-        m_spacing = length * (1 - 2 * kSkippedEnd) / (kStations - 1);
+        m_spacing = length * (1 - 2 * kUnmeasuredEnd) / (kStations - 1);
         for (int i = 0; i < kStations; ++i)
-            measure(m_stations[static_cast<std::size_t>(i)], length * kSkippedEnd + m_spacing * static_cast<float>(i));
+            measure(
+                m_stations[static_cast<std::size_t>(i)], length * kUnmeasuredEnd + m_spacing * static_cast<float>(i));
     }
 
     FittedSide run()
@@ -72,7 +73,7 @@ public:
         for (int round = 0; round < 3; ++round)
             refine(round == 0 ? 1.6F : 1.1F);
         // The stations' ends, carried on to the side's ends.
-        const float end = 1 / (1 - 2 * kSkippedEnd);
+        const float end = 1 / (1 - 2 * kUnmeasuredEnd);
         FittedSide side { m_from + m_inward * (m_offset - m_tilt * end), m_to + m_inward * (m_offset + m_tilt * end),
             judge() };
         return side;
@@ -134,7 +135,7 @@ private:
             const float before = strength[static_cast<std::size_t>(t + m_reach)];
             const float here = strength[static_cast<std::size_t>(t + m_reach + 1)];
             const float after = strength[static_cast<std::size_t>(t + m_reach + 2)];
-            if (here < kFaintest || here < before || here <= after)
+            if (here < kFaintestEdge || here < before || here <= after)
                 continue;
             const float curvature = before + after - 2 * here;
             const float shift = curvature < 0 ? 0.5F * (before - after) / curvature : 0.0F;

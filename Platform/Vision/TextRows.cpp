@@ -14,7 +14,7 @@ namespace {
 constexpr int kStroke = 9; ///< Wider than a stroke, in pixels.
 constexpr int kAround = 41; ///< What counts as surroundings of a stroke.
 constexpr double kFaintShare = 0.5; ///< Of the strongest stroke around.
-constexpr double kFaintest = 9; ///< Grey levels by which a stroke must stand out.
+constexpr double kFaintestStroke = 9; ///< Grey levels by which a stroke must stand out.
 constexpr int kGap = 19; ///< Wider than what lies between neighbouring glyphs.
 constexpr int kRun = 31; ///< A row has no shorter pieces.
 constexpr double kLeastShare = 0.12; ///< Of the picture's width that a piece of a row takes.
@@ -33,7 +33,7 @@ cv::Mat runsOf(const cv::Mat& strokes)
     cv::blur(strokes, least, { 3, 3 });
     cv::dilate(least, least, block(kAround, kAround));
     least.convertTo(least, CV_8U, kFaintShare);
-    cv::max(least, kFaintest, least);
+    cv::max(least, kFaintestStroke, least);
     cv::Mat runs = strokes > least;
     cv::morphologyEx(runs, runs, cv::MORPH_CLOSE, block(kGap, 1));
     cv::morphologyEx(runs, runs, cv::MORPH_OPEN, block(1, 3));

@@ -15,7 +15,7 @@ constexpr auto kBack = AVCaptureDevicePosition::Back;
 constexpr auto kFront = AVCaptureDevicePosition::Front;
 constexpr auto kUnknown = AVCaptureDevicePosition::Unspecified;
 
-struct Row
+struct CameraRow
 {
     const char* name;
     std::vector<AVCaptureDevicePosition> cameras; ///< Identifiers are "0", "1", …; names "camera 0" and so on.
@@ -24,7 +24,7 @@ struct Row
     int front;
 };
 
-class CameraChoice : public testing::TestWithParam<Row>
+class CameraChoice : public testing::TestWithParam<CameraRow>
 { };
 
 TEST_P(CameraChoice, FollowsTheRule)
@@ -45,17 +45,17 @@ TEST_P(CameraChoice, FollowsTheRule)
 const CameraAssignment kByRule;
 
 INSTANTIATE_TEST_SUITE_P(Rows, CameraChoice,
-    testing::Values(Row { "None", {}, kByRule, -1, -1 }, Row { "OneWebcamServesAsBoth", { kUnknown }, kByRule, 0, 0 },
-        Row { "TwoWebcams", { kUnknown, kUnknown, kUnknown }, kByRule, 0, 1 },
-        Row { "CamerasThatSay", { kFront, kBack, kBack }, kByRule, 1, 0 },
-        Row { "OnlyABackCamera", { kBack }, kByRule, 0, -1 }, Row { "OnlyAFrontCamera", { kFront }, kByRule, -1, 0 },
-        Row { "AWebcamBesideABackCamera", { kBack, kUnknown }, kByRule, 0, 1 },
-        Row { "AWebcamBesideAFrontCamera", { kUnknown, kFront }, kByRule, 0, 1 },
-        Row { "ByNameAgainstTheOrder", { kUnknown, kUnknown }, { QStringLiteral("camera 1"), {} }, 1, 0 },
-        Row { "ByIdentifier", { kUnknown, kUnknown }, { {}, QStringLiteral("0") }, 1, 0 },
-        Row { "ByNameAgainstWhatItSays", { kFront, kUnknown }, { QStringLiteral("camera 0"), {} }, 0, 0 },
-        Row { "OneForBothByName", { kUnknown, kUnknown }, { QStringLiteral("1"), QStringLiteral("1") }, 1, 1 },
-        Row { "AbsentNameIsNotReplaced", { kUnknown, kUnknown }, { QStringLiteral("other"), {} }, -1, 1 }),
+    testing::Values(CameraRow { "None", {}, kByRule, -1, -1 }, CameraRow { "OneWebcamServesAsBoth", { kUnknown }, kByRule, 0, 0 },
+        CameraRow { "TwoWebcams", { kUnknown, kUnknown, kUnknown }, kByRule, 0, 1 },
+        CameraRow { "CamerasThatSay", { kFront, kBack, kBack }, kByRule, 1, 0 },
+        CameraRow { "OnlyABackCamera", { kBack }, kByRule, 0, -1 }, CameraRow { "OnlyAFrontCamera", { kFront }, kByRule, -1, 0 },
+        CameraRow { "AWebcamBesideABackCamera", { kBack, kUnknown }, kByRule, 0, 1 },
+        CameraRow { "AWebcamBesideAFrontCamera", { kUnknown, kFront }, kByRule, 0, 1 },
+        CameraRow { "ByNameAgainstTheOrder", { kUnknown, kUnknown }, { QStringLiteral("camera 1"), {} }, 1, 0 },
+        CameraRow { "ByIdentifier", { kUnknown, kUnknown }, { {}, QStringLiteral("0") }, 1, 0 },
+        CameraRow { "ByNameAgainstWhatItSays", { kFront, kUnknown }, { QStringLiteral("camera 0"), {} }, 0, 0 },
+        CameraRow { "OneForBothByName", { kUnknown, kUnknown }, { QStringLiteral("1"), QStringLiteral("1") }, 1, 1 },
+        CameraRow { "AbsentNameIsNotReplaced", { kUnknown, kUnknown }, { QStringLiteral("other"), {} }, -1, 1 }),
     [](const auto& row) { return row.param.name; });
 
 TEST(CameraList, TellsEachCameraOnce)

@@ -19,7 +19,7 @@ void expectNear(const QRectF& got, const QRectF& wanted)
     EXPECT_NEAR(got.height(), wanted.height(), 1e-9);
 }
 
-struct Row
+struct MappingRow
 {
     AVLayerVideoGravity gravity;
     int rotation;
@@ -29,7 +29,7 @@ struct Row
     QRectF sensor;
 };
 
-void PrintTo(const Row& row, std::ostream* out)
+void PrintTo(const MappingRow& row, std::ostream* out)
 {
     *out << "gravity " << static_cast<int>(row.gravity) << " rotation " << row.rotation
          << (row.mirrored ? " mirrored " : " ") << row.shown.width() << "x" << row.shown.height();
@@ -37,12 +37,12 @@ void PrintTo(const Row& row, std::ostream* out)
 
 constexpr auto kFill = AVLayerVideoGravity::ResizeAspectFill;
 
-class Mapping : public testing::TestWithParam<Row>
+class Mapping : public testing::TestWithParam<MappingRow>
 { };
 
 TEST_P(Mapping, LeadsToSensorAxes)
 {
-    const Row& row = GetParam();
+    const MappingRow& row = GetParam();
     const PreviewMapping mapping { QRectF(10, 20, 200, 400), row.gravity, row.rotation, row.mirrored };
     expectNear(mapping.metadataOutputRectOfInterest(row.layer, row.shown), row.sensor);
 }
@@ -51,24 +51,26 @@ TEST_P(Mapping, LeadsToSensorAxes)
 const QRectF kQuarter(10, 20, 100, 100); // of a picture that fits exactly: half its width, a quarter of its height
 
 INSTANTIATE_TEST_SUITE_P(Rows, Mapping,
-    testing::Values(Row { kFill, 0, false, { 100, 200 }, kQuarter, { 0, 0, 0.5, 0.25 } },
-        Row { kFill, 0, true, { 100, 200 }, kQuarter, { 0.5, 0, 0.5, 0.25 } },
+    testing::Values(MappingRow { kFill, 0, false, { 100, 200 }, kQuarter, { 0, 0, 0.5, 0.25 } },
+        MappingRow { kFill, 0, true, { 100, 200 }, kQuarter, { 0.5, 0, 0.5, 0.25 } },
         // Turned clockwise, the shown top left is the sensor's bottom left.
-        Row { kFill, 90, false, { 100, 200 }, kQuarter, { 0, 0.5, 0.25, 0.5 } },
-        Row { kFill, 90, true, { 100, 200 }, kQuarter, { 0, 0, 0.25, 0.5 } },
-        Row { kFill, 180, false, { 100, 200 }, kQuarter, { 0.5, 0.75, 0.5, 0.25 } },
-        Row { kFill, 180, true, { 100, 200 }, kQuarter, { 0, 0.75, 0.5, 0.25 } },
-        Row { kFill, 270, false, { 100, 200 }, kQuarter, { 0.75, 0, 0.25, 0.5 } },
-        Row { kFill, 270, true, { 100, 200 }, kQuarter, { 0.75, 0.5, 0.25, 0.5 } },
+        MappingRow { kFill, 90, false, { 100, 200 }, kQuarter, { 0, 0.5, 0.25, 0.5 } },
+        MappingRow { kFill, 90, true, { 100, 200 }, kQuarter, { 0, 0, 0.25, 0.5 } },
+        MappingRow { kFill, 180, false, { 100, 200 }, kQuarter, { 0.5, 0.75, 0.5, 0.25 } },
+        MappingRow { kFill, 180, true, { 100, 200 }, kQuarter, { 0, 0.75, 0.5, 0.25 } },
+        MappingRow { kFill, 270, false, { 100, 200 }, kQuarter, { 0.75, 0, 0.25, 0.5 } },
+        MappingRow { kFill, 270, true, { 100, 200 }, kQuarter, { 0.75, 0.5, 0.25, 0.5 } },
         // A picture twice as wide as high: filling, the layer shows a quarter of its width.
-        Row { kFill, 0, false, { 400, 200 }, { 10, 20, 200, 400 }, { 0.375, 0, 0.25, 1 } },
-        Row { AVLayerVideoGravity::ResizeAspect, 0, false, { 400, 200 }, { 10, 170, 200, 100 }, { 0, 0, 1, 1 } },
-        Row { AVLayerVideoGravity::ResizeAspect, 0, false, { 400, 200 }, { 10, 20, 200, 400 }, { 0, -1.5, 1, 4 } },
-        Row { AVLayerVideoGravity::Resize, 0, false, { 400, 200 }, { 10, 20, 50, 400 }, { 0, 0, 0.25, 1 } },
+        MappingRow { kFill, 0, false, { 400, 200 }, { 10, 20, 200, 400 }, { 0.375, 0, 0.25, 1 } },
+        MappingRow { AVLayerVideoGravity::ResizeAspect, 0, false, { 400, 200 }, { 10, 170, 200, 100 }, { 0, 0, 1, 1 } },
+        MappingRow {
+            AVLayerVideoGravity::ResizeAspect, 0, false, { 400, 200 }, { 10, 20, 200, 400 }, { 0, -1.5, 1, 4 } },
+        MappingRow { AVLayerVideoGravity::Resize, 0, false, { 400, 200 }, { 10, 20, 50, 400 }, { 0, 0, 0.25, 1 } },
         // A card's cut-out in the middle of a phone's screen; the frame is the turned 1080×1920 one.
-        Row { kFill, 90, false, { 1080, 1920 }, { 60, 170, 100, 100 }, { 0.375, 0.5 - 50 / 225.0, 0.25, 100 / 225.0 } },
-        Row { kFill, 0, false, { 0, 200 }, kQuarter, {} },
-        Row { kFill, 90, true, { 100, 200 }, { 10, 20, 0, 5 }, {} }));
+        MappingRow {
+            kFill, 90, false, { 1080, 1920 }, { 60, 170, 100, 100 }, { 0.375, 0.5 - 50 / 225.0, 0.25, 100 / 225.0 } },
+        MappingRow { kFill, 0, false, { 0, 200 }, kQuarter, {} },
+        MappingRow { kFill, 90, true, { 100, 200 }, { 10, 20, 0, 5 }, {} }));
 
 TEST(Mapping, GivesTheCentredCutoutOfATurnedFrame)
 {

@@ -5,7 +5,7 @@
 namespace kelvara::chip {
 namespace {
 
-struct Row
+struct CommandRow
 {
     std::size_t data;
     std::optional<std::uint32_t> le;
@@ -15,7 +15,7 @@ struct Row
 
 TEST(Apdu, EveryCaseOfIso7816)
 {
-    const Row rows[] = {
+    const CommandRow rows[] = {
         { 0, std::nullopt, "00B08102", "" },
         { 0, 1, "00B08102", "01" },
         { 0, 256, "00B08102", "00" },
@@ -27,7 +27,7 @@ TEST(Apdu, EveryCaseOfIso7816)
         { 2, 4096, "00B08102000002", "1000" },
         { 300, 65536, "00B0810200012C", "0000" },
     };
-    for (const Row& row : rows) {
+    for (const CommandRow& row : rows) {
         const CommandApdu command { 0x00, 0xB0, 0x81, 0x02, Bytes(row.data, 0xAB), row.le };
         const Bytes encoded = command.encoded();
         EXPECT_EQ(toHex(encoded), row.head + toHex(Bytes(row.data, 0xAB)) + row.tail);

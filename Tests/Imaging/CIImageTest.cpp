@@ -9,11 +9,6 @@
 namespace kelvara {
 namespace {
 
-QImage render(const CIImage& image)
-{
-    return CIContext::shared().createCGImage(image, image.extent()).value_or(QImage());
-}
-
 /// A recipe with work in it (so that it goes through linear light) that changes nothing.
 CIImage worked(const CIImage& image)
 {
@@ -30,8 +25,8 @@ TEST(CIImage, ABitmapRendersAsItself)
         const CIImage image(bitmap);
         EXPECT_EQ(image.extent(), QRectF(0, 0, 33, 17));
         const QImage expected = bitmap.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        EXPECT_EQ(render(image), expected) << bitmap.format();
-        EXPECT_EQ(render(worked(image)), expected) << bitmap.format() << " through linear light";
+        EXPECT_EQ(pictures::render(image), expected) << bitmap.format();
+        EXPECT_EQ(pictures::render(worked(image)), expected) << bitmap.format() << " through linear light";
     }
 }
 
@@ -42,7 +37,7 @@ TEST(CIImage, EveryPremultipliedColourSurvivesLinearLight)
         for (int color = 0; color < 256; ++color)
             bitmap.setPixel(color, alpha, qRgba(std::min(color, alpha), alpha / 2, std::max(0, alpha - color), alpha));
     }
-    const QImage rendered = render(worked(CIImage(bitmap)));
+    const QImage rendered = pictures::render(worked(CIImage(bitmap)));
     EXPECT_EQ(rendered, bitmap);
 }
 
@@ -51,8 +46,8 @@ TEST(CIImage, TheUndefinedByteOfAnOpaqueFormatIsOpaque)
     QImage bitmap(4, 4, QImage::Format_ARGB32);
     bitmap.fill(0x00336699);
     ASSERT_TRUE(bitmap.reinterpretAsFormat(QImage::Format_RGB32));
-    EXPECT_EQ(render(CIImage(bitmap)).pixel(1, 1), 0xFF336699);
-    EXPECT_EQ(render(worked(CIImage(bitmap))).pixel(1, 1), 0xFF336699);
+    EXPECT_EQ(pictures::render(CIImage(bitmap)).pixel(1, 1), 0xFF336699);
+    EXPECT_EQ(pictures::render(worked(CIImage(bitmap))).pixel(1, 1), 0xFF336699);
 }
 
 TEST(CIImage, CropsCountFromTheBottomLeft)
@@ -76,10 +71,10 @@ TEST(CIImage, CropsCountFromTheBottomLeft)
         for (const CIImage& image : { CIImage(bitmap), worked(CIImage(bitmap)) }) {
             const CIImage cropped = image.cropped(row.rect);
             EXPECT_EQ(cropped.extent(), QRectF(row.extent));
-            EXPECT_EQ(render(cropped), expected);
-            EXPECT_EQ(render(worked(cropped)), expected);
+            EXPECT_EQ(pictures::render(cropped), expected);
+            EXPECT_EQ(pictures::render(worked(cropped)), expected);
             // A crop of a crop still speaks the first image's coordinates.
-            EXPECT_EQ(render(cropped.cropped(image.extent())), expected);
+            EXPECT_EQ(pictures::render(cropped.cropped(image.extent())), expected);
         }
     }
 }
@@ -110,16 +105,17 @@ TEST(CIImage, OrientsLikeImages)
         for (const CIImage& image : { CIImage(bitmap), worked(CIImage(bitmap)) }) {
             const CIImage oriented = image.oriented(orientation);
             EXPECT_EQ(oriented.extent(), QRectF(QPointF(), expected.size())) << raw;
-            EXPECT_EQ(render(oriented), expected.toQImage()) << raw;
-            EXPECT_EQ(render(oriented.cropped({ 3, 4, 9, 11 })), render(CIImage(expected).cropped({ 3, 4, 9, 11 })))
+            EXPECT_EQ(pictures::render(oriented), expected.toQImage()) << raw;
+            EXPECT_EQ(pictures::render(oriented.cropped({ 3, 4, 9, 11 })),
+                pictures::render(CIImage(expected).cropped({ 3, 4, 9, 11 })))
                 << raw;
         }
-        EXPECT_EQ(render(CIImage::make(expected).value()), expected.toQImage());
+        EXPECT_EQ(pictures::render(CIImage::make(expected).value()), expected.toQImage());
     }
     // The lower-left corner stays.
     const CIImage turned = CIImage(bitmap).cropped({ 10, 5, 8, 4 }).oriented(CGImagePropertyOrientation::Right);
     EXPECT_EQ(turned.extent(), QRectF(10, 5, 4, 8));
-    EXPECT_EQ(render(turned), UIImage(bitmap.copy(10, 13, 8, 4), 1.0, UIImageOrientation::Right).toQImage());
+    EXPECT_EQ(pictures::render(turned), UIImage(bitmap.copy(10, 13, 8, 4), 1.0, UIImageOrientation::Right).toQImage());
 }
 
 TEST(CIContext, RendersRectanglesAcrossTheEdge)

@@ -27,11 +27,6 @@ std::optional<CIImage> corrected(const CIImage& image, const Corners& corners)
             { QStringLiteral("inputBottomRight"), corners.bottomRight } });
 }
 
-QImage render(const CIImage& image)
-{
-    return CIContext::shared().createCGImage(image, image.extent()).value_or(QImage());
-}
-
 cv::Point2f fromTop(const QPointF& point, int height)
 {
     return { float(point.x()), float(height - point.y()) };
@@ -87,14 +82,14 @@ QImage reference(const QImage& bitmap, const Corners& corners, const QSize& size
     return result;
 }
 
-struct Row
+struct CornersRow
 {
     const char* name;
     Corners corners;
     QSize size;
 };
 
-const Row kRows[] = {
+const CornersRow kCorners[] = {
     { "the whole image", { { 0, 90 }, { 130, 90 }, { 0, 0 }, { 130, 0 } }, { 130, 90 } },
     { "seen from the left", { { 20, 85 }, { 110, 70 }, { 20, 5 }, { 110, 20 } }, { 91, 80 } },
     { "tilted", { { 25, 70 }, { 95, 85 }, { 35, 15 }, { 105, 30 } }, { 72, 56 } },
@@ -108,7 +103,7 @@ const Row kRows[] = {
 TEST(PerspectiveCorrection, MatchesAnIndependentCalculation)
 {
     const QImage bitmap = pictures::photo(130, 90, QImage::Format_ARGB32_Premultiplied);
-    for (const Row& row : kRows) {
+    for (const CornersRow& row : kCorners) {
         const QImage expected = reference(bitmap, row.corners, row.size);
         const CIImage images[] = { CIImage(bitmap), CIImage(bitmap.convertToFormat(QImage::Format_RGB32)),
             CIImage(bitmap).applyingFilter(QStringLiteral("CIColorControls")).value() };
@@ -116,7 +111,7 @@ TEST(PerspectiveCorrection, MatchesAnIndependentCalculation)
             const auto output = corrected(image, row.corners);
             ASSERT_TRUE(output) << row.name;
             EXPECT_EQ(output->extent(), QRectF(QPointF(), row.size)) << row.name;
-            EXPECT_LE(pictures::largestDifference(render(*output), expected), 1) << row.name;
+            EXPECT_LE(pictures::largestDifference(pictures::render(*output), expected), 1) << row.name;
         }
     }
 }
@@ -127,7 +122,7 @@ TEST(PerspectiveCorrection, CornersSpeakTheCroppedImagesCoordinates)
     const Corners corners { { 40, 70 }, { 90, 72 }, { 41, 30 }, { 92, 31 } };
     const CIImage whole(bitmap);
     const CIImage part = whole.cropped({ 30, 20, 70, 60 });
-    EXPECT_EQ(render(corrected(part, corners).value()), render(corrected(whole, corners).value()));
+    EXPECT_EQ(pictures::render(corrected(part, corners).value()), pictures::render(corrected(whole, corners).value()));
 }
 
 TEST(PerspectiveCorrection, TranslucencyIsInterpolatedWithoutFringes)
@@ -138,7 +133,8 @@ TEST(PerspectiveCorrection, TranslucencyIsInterpolatedWithoutFringes)
         for (int x = 10; x < 20; ++x)
             bitmap.setPixel(x, y, qRgb(255, 255, 255));
     }
-    const QImage turned = render(corrected(CIImage(bitmap), { { 3, 17 }, { 15, 18 }, { 2, 5 }, { 14, 6 } }).value());
+    const QImage turned
+        = pictures::render(corrected(CIImage(bitmap), { { 3, 17 }, { 15, 18 }, { 2, 5 }, { 14, 6 } }).value());
     for (int y = 0; y < turned.height(); ++y) {
         for (int x = 0; x < turned.width(); ++x) {
             const QRgb pixel = turned.pixel(x, y); // colours multiplied by alpha
@@ -153,7 +149,8 @@ TEST(PerspectiveCorrection, OfSingleRowsAndColumns)
         const QImage bitmap = pictures::photo(size.width(), size.height(), QImage::Format_ARGB32_Premultiplied);
         const double w = size.width();
         const double h = size.height();
-        EXPECT_EQ(render(corrected(CIImage(bitmap), { { 0, h }, { w, h }, { 0, 0 }, { w, 0 } }).value()), bitmap);
+        EXPECT_EQ(
+            pictures::render(corrected(CIImage(bitmap), { { 0, h }, { w, h }, { 0, 0 }, { w, 0 } }).value()), bitmap);
     }
 }
 

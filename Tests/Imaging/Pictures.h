@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Platform/Imaging/CIContext.h"
+#include "Platform/Imaging/CIImage.h"
+
 #include <QImage>
 
 #include <random>
@@ -29,6 +32,12 @@ inline QImage translucent(int width, int height, QImage::Format format)
             image.setPixel(x, y, (image.pixel(x, y) & 0xFFFFFFU) | unsigned((x * 7 + y * 3) % 256) << 24);
     }
     return image.convertToFormat(format);
+}
+
+/// All of a filter image; null when it cannot be rendered.
+inline QImage render(const CIImage& image)
+{
+    return CIContext::shared().createCGImage(image, image.extent()).value_or(QImage());
 }
 
 /// The largest difference of any channel; 256 for different sizes.

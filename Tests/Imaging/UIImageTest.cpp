@@ -6,7 +6,7 @@
 namespace kelvara {
 namespace {
 
-struct Row
+struct OrientationRow
 {
     UIImageOrientation orientation;
     int raw;
@@ -15,7 +15,7 @@ struct Row
 };
 
 // What the eight orientations mean is fixed by Exif: where the stored row 0 and column 0 lie in the upright picture.
-const Row kRows[] = {
+const OrientationRow kRows[] = {
     { UIImageOrientation::Up, 0, CGImagePropertyOrientation::Up, "ABC/DEF" },
     { UIImageOrientation::Down, 1, CGImagePropertyOrientation::Down, "FED/CBA" },
     { UIImageOrientation::Left, 2, CGImagePropertyOrientation::Left, "CF/BE/AD" },
@@ -47,7 +47,7 @@ std::string read(const QImage& image)
 
 TEST(UIImage, OrientationsTurnTheBitmapUpright)
 {
-    for (const Row& row : kRows) {
+    for (const OrientationRow& row : kRows) {
         EXPECT_EQ(int(row.orientation), row.raw);
         EXPECT_EQ(imagePropertyOrientation(row.orientation), row.property);
         EXPECT_EQ(imageOrientation(row.property), row.orientation);

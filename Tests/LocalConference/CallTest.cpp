@@ -8,9 +8,7 @@ namespace kelvara::test {
 
 namespace {
 
-const QString joinedEvent = QStringLiteral("videoConferenceJoined");
 const QString closeEvent = QStringLiteral("readyToClose");
-const QString errorEvent = QStringLiteral("errorOccurred");
 const QStringList joinedCourse { joinedEvent, QStringLiteral("participantJoined") };
 const QStringList leftCourse = joinedCourse + QStringList { QStringLiteral("videoConferenceLeft"), closeEvent };
 const QStringList lostCourse = joinedCourse + QStringList { errorEvent };

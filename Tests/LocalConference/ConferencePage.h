@@ -14,6 +14,9 @@
 
 namespace kelvara::test {
 
+inline const QString joinedEvent = QStringLiteral("videoConferenceJoined");
+inline const QString errorEvent = QStringLiteral("errorOccurred");
+
 /// `runUntil` with more patience, and at once where the condition holds already.
 inline bool waitUntil(const std::function<bool()>& condition, int limit = 60000)
 {

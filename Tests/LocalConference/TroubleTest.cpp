@@ -6,8 +6,6 @@ namespace kelvara::test {
 
 namespace {
 
-const QString joinedEvent = QStringLiteral("videoConferenceJoined");
-const QString errorEvent = QStringLiteral("errorOccurred");
 const QJsonObject audioOnly { { QStringLiteral("configOverwrite"),
     QJsonObject { { QStringLiteral("startAudioOnly"), true } } } };
 

@@ -12,7 +12,7 @@ namespace kelvara::cli {
 
 namespace {
 
-constexpr auto kHelp = R"(Usage: kelvara chip --mrz ZONE | --key KEY [options]
+constexpr auto kChipHelp = R"(Usage: kelvara chip --mrz ZONE | --key KEY [options]
        kelvara chip --software FILE.json [options]
 
 Reads an identity document's chip as Kelvara's view does and prints it as one JSON object.
@@ -37,7 +37,7 @@ Exit code: 0 read and genuine, 1 not read or not genuine, 2 wrong usage, no read
 written.
 )";
 
-CliEnd wrong(const QString& sentence)
+CliEnd wrongChipUse(const QString& sentence)
 {
     return { QStringLiteral("kelvara: %1 See kelvara chip --help.\n").arg(sentence), 2 };
 }
@@ -106,18 +106,18 @@ std::variant<ChipOptions, CliEnd> parseChipOptions(const QStringList& arguments)
         const bool takesValue = word == u"--mrz" || word == u"--key" || word == u"--software" || word == u"--portrait"
             || word == u"--master-list" || word == u"--reader" || word == u"--wait";
         if (isFlag && value)
-            return wrong(QStringLiteral("%1 takes no value.").arg(word));
+            return wrongChipUse(QStringLiteral("%1 takes no value.").arg(word));
         if (takesValue && !value && i + 1 < arguments.size())
             value = arguments[++i];
         if (takesValue && (!value || value->isEmpty()))
-            return wrong(QStringLiteral("%1 needs a value.").arg(word));
+            return wrongChipUse(QStringLiteral("%1 needs a value.").arg(word));
         if ((word == u"--mrz" || word == u"--key") && value == QLatin1String("-")) {
             value = standardInput();
             if (!value || value->isEmpty())
-                return wrong(QStringLiteral("There is nothing on standard input for %1.").arg(word));
+                return wrongChipUse(QStringLiteral("There is nothing on standard input for %1.").arg(word));
         }
         if (word == u"-h" || word == u"--help")
-            return CliEnd { QString::fromUtf8(kHelp), 0 };
+            return CliEnd { QString::fromUtf8(kChipHelp), 0 };
         if (word == u"--trace")
             options.isTraced = true;
         else if (word == u"--pretty")
@@ -139,29 +139,29 @@ std::variant<ChipOptions, CliEnd> parseChipOptions(const QStringList& arguments)
             options.patience = std::chrono::seconds(value->toInt(&isNumber));
             constexpr std::chrono::seconds kLongest { 86'400 };
             if (!isNumber || options.patience.count() < 1 || options.patience > kLongest)
-                return wrong(QStringLiteral("--wait needs a number of seconds from 1 to 86400."));
+                return wrongChipUse(QStringLiteral("--wait needs a number of seconds from 1 to 86400."));
         } else if (!word.startsWith(u"--")) { // not repeated: it may be a line of a zone that was not put in quotes
-            return wrong(QStringLiteral("There are words that belong to no option."));
+            return wrongChipUse(QStringLiteral("There are words that belong to no option."));
         } else {
-            return wrong(QStringLiteral("There is no option %1.").arg(word));
+            return wrongChipUse(QStringLiteral("There is no option %1.").arg(word));
         }
     }
     if (!zone.isEmpty() && !options.key.isEmpty())
-        return wrong(QStringLiteral("--mrz and --key exclude each other."));
+        return wrongChipUse(QStringLiteral("--mrz and --key exclude each other."));
     if (!zone.isEmpty()) {
         const auto key = accessKeyOfZone(zone);
         if (!key)
-            return wrong(
+            return wrongChipUse(
                 QStringLiteral("The text after --mrz is no machine-readable zone (90, 72 or 88 characters), or a "
                                "check digit is wrong."));
         options.key = *key;
     }
     if (options.key.isEmpty() && options.softwareFile.isEmpty())
-        return wrong(QStringLiteral("--mrz or --key is missing."));
+        return wrongChipUse(QStringLiteral("--mrz or --key is missing."));
     if (const QString problem = problemOfPortrait(options); !problem.isEmpty())
-        return wrong(problem);
+        return wrongChipUse(problem);
     if (options.isTraced && options.softwareFile.isEmpty())
-        return wrong(QStringLiteral("--trace is for software chips: nothing records a real card."));
+        return wrongChipUse(QStringLiteral("--trace is for software chips: nothing records a real card."));
     return options;
 }
 

@@ -13,7 +13,7 @@ namespace kelvara::cli {
 
 namespace {
 
-constexpr auto kHelp = R"(Usage: kelvara flow [options] SCRIPT.json...
+constexpr auto kFlowHelp = R"(Usage: kelvara flow [options] SCRIPT.json...
 
 Plays whole sessions of the view from scripts, without a display, cameras, reader or network, and prints what
 happened, one JSON object for each script. Docs/replay.md describes the scripts.
@@ -96,7 +96,7 @@ int runFlowCommand(const QStringList& arguments)
     bool isPretty = false;
     for (const QString& word : arguments) {
         if (word == u"-h" || word == u"--help") {
-            std::fputs(kHelp, stdout);
+            std::fputs(kFlowHelp, stdout);
             return Met;
         }
         if (word == u"--times") {

@@ -99,7 +99,7 @@ void drawKeyboard(QPainter& painter, QSizeF surface, Dice& dice)
 }
 
 /// A place near the view's rim, so that a thing is seen but is not covered whole by the card.
-QPointF rim(QSizeF view, Dice& dice)
+QPointF placeAtRim(QSizeF view, Dice& dice)
 {
     const double x = view.width() / 2;
     const double y = view.height() / 2;
@@ -112,7 +112,7 @@ QPointF rim(QSizeF view, Dice& dice)
 void drawPen(QPainter& painter, QSizeF view, Dice& dice)
 {
     painter.save();
-    painter.translate(rim(view, dice));
+    painter.translate(placeAtRim(view, dice));
     painter.rotate(dice.real(0, 180));
     const QColor colour = QColor::fromHsv(dice.integer(0, 359), dice.integer(60, 220), dice.integer(50, 200));
     painter.setPen(Qt::NoPen);
@@ -134,7 +134,7 @@ void drawPen(QPainter& painter, QSizeF view, Dice& dice)
 void drawCup(QPainter& painter, QSizeF view, Dice& dice)
 {
     painter.save();
-    painter.translate(rim(view, dice) * 1.25);
+    painter.translate(placeAtRim(view, dice) * 1.25);
     const double r = dice.real(34, 42);
     QRadialGradient shade(QPointF(4, 6), r + 12);
     shade.setColorAt(0.7, QColor(0, 0, 0, 110));
@@ -170,7 +170,7 @@ void drawCable(QPainter& painter, QSizeF view, Dice& dice)
 void drawSheet(QPainter& painter, QSizeF view, Dice& dice)
 {
     painter.save();
-    painter.translate(rim(view, dice) * 1.1);
+    painter.translate(placeAtRim(view, dice) * 1.1);
     painter.rotate(dice.real(-30, 30));
     const double quarter = dice.integer(0, 3) * 90;
     painter.rotate(quarter);

@@ -1,5 +1,6 @@
 #include "Platform/Chip/lds/DecodingEffort.h"
 
+#include "Platform/Chip/lds/BigEndian.h"
 #include "Platform/Chip/lds/EncodedImage.h"
 
 #include <algorithm>
@@ -26,14 +27,6 @@ enum Marker : std::uint8_t {
 /// Further ones of ITU-T T.800 §A.2 and T.801. What follows another one, decoders and this need not see alike.
 constexpr std::array<std::uint8_t, 17> kOtherMarkers { 0x50, 0x51, 0x55, 0x57, 0x58, 0x5C, 0x5D, 0x5E, 0x5F, 0x60, 0x61,
     0x63, 0x64, 0x74, 0x75, 0x77, 0x78 };
-
-std::size_t number(ByteView data, std::size_t at, std::size_t count)
-{
-    std::size_t value = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        value = value << 8 | data[at + i];
-    return value;
-}
 
 bool isJpegModest(ByteView data)
 {
@@ -64,7 +57,7 @@ bool isSegmentModest(std::uint8_t marker, ByteView segment)
 {
     if (marker == CodingStyle) {
         constexpr std::size_t kBefore = 5;
-        return segment.size() > kBefore && number(segment, 2, 2) <= kMostLayers
+        return segment.size() > kBefore && bigEndianAt(segment, 2, 2) <= kMostLayers
             && isStyleModest(segment.subspan(kBefore), (segment[0] & 1) != 0);
     }
     if (marker == ComponentCodingStyle) { // of one of at most four components, so that its number takes a byte
@@ -92,13 +85,13 @@ bool isCodestreamModest(ByteView data)
         }
         const bool isKnown = marker == CodingStyle || marker == ComponentCodingStyle || marker == TilePart
             || std::find(kOtherMarkers.begin(), kOtherMarkers.end(), marker) != kOtherMarkers.end();
-        const std::size_t length = data.size() - at >= 4 ? number(data, at + 2, 2) : 0;
+        const std::size_t length = data.size() - at >= 4 ? bigEndianAt(data, at + 2, 2) : 0;
         if (!isKnown || length < 2 || length > data.size() - at - 2
             || !isSegmentModest(marker, data.subspan(at + 4, length - 2)))
             return false;
         if (marker == TilePart) {
             constexpr std::size_t kSegment = 12;
-            const std::size_t size = length >= 10 ? number(data, at + 6, 4) : 1;
+            const std::size_t size = length >= 10 ? bigEndianAt(data, at + 6, 4) : 1;
             if (size != 0 && size < kSegment)
                 return false;
             // A picture that was cut off ends before its last part does.

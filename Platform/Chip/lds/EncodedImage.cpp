@@ -1,5 +1,7 @@
 #include "Platform/Chip/lds/EncodedImage.h"
 
+#include "Platform/Chip/lds/BigEndian.h"
+
 #include <algorithm>
 #include <array>
 #include <climits>
@@ -17,14 +19,6 @@ constexpr std::uint64_t kMostTiles = 4096;
 template<std::size_t n> bool startsWith(ByteView data, const std::array<std::uint8_t, n>& beginning)
 {
     return data.size() >= n && std::equal(beginning.begin(), beginning.end(), data.begin());
-}
-
-std::uint32_t number(ByteView data, std::size_t at, std::size_t count)
-{
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        value = value << 8 | data[at + i];
-    return value;
 }
 
 std::optional<QSize> sizeOf(std::uint32_t width, std::uint32_t height)
@@ -49,11 +43,11 @@ std::optional<QSize> jpegSize(ByteView data)
         const bool isFrame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
         // Markers without a length: decoders go on behind them, and would come upon another frame header.
         const bool isBare = marker == 0x01 || (marker >= 0xD0 && marker <= 0xD9);
-        const std::size_t length = number(data, at + 2, 2);
+        const std::size_t length = bigEndianAt(data, at + 2, 2);
         if (marker == 0xDA || isBare || length < 2 || length > data.size() - at - 2)
             return std::nullopt;
         if (isFrame)
-            return length < 8 ? std::nullopt : sizeOf(number(data, at + 7, 2), number(data, at + 5, 2));
+            return length < 8 ? std::nullopt : sizeOf(bigEndianAt(data, at + 7, 2), bigEndianAt(data, at + 5, 2));
         at += 2 + length;
     }
     return std::nullopt;
@@ -65,10 +59,10 @@ std::optional<QSize> codestreamSize(ByteView data)
     constexpr std::size_t kSegment = 42;
     if (!startsWith(data, kCodestream) || data.size() < kSegment)
         return std::nullopt;
-    const std::uint64_t right = number(data, 8, 4), bottom = number(data, 12, 4);
-    const std::uint64_t left = number(data, 16, 4), top = number(data, 20, 4);
-    const std::uint64_t tileWidth = number(data, 24, 4), tileHeight = number(data, 28, 4);
-    const std::uint32_t components = number(data, 40, 2);
+    const std::uint64_t right = bigEndianAt(data, 8, 4), bottom = bigEndianAt(data, 12, 4);
+    const std::uint64_t left = bigEndianAt(data, 16, 4), top = bigEndianAt(data, 20, 4);
+    const std::uint64_t tileWidth = bigEndianAt(data, 24, 4), tileHeight = bigEndianAt(data, 28, 4);
+    const std::uint32_t components = bigEndianAt(data, 40, 2);
     if (right <= left || bottom <= top || tileWidth == 0 || tileHeight == 0 || components == 0 || components > 4)
         return std::nullopt;
     const std::uint64_t across = (right - left) / tileWidth + 2, down = (bottom - top) / tileHeight + 2;
@@ -99,17 +93,17 @@ std::optional<ByteView> codestreamOf(ByteView data)
     if (!startsWith(data, kJp2))
         return std::nullopt;
     while (data.size() >= 8) {
-        std::uint64_t length = number(data, 0, 4);
+        std::uint64_t length = bigEndianAt(data, 0, 4);
         std::size_t head = 8;
         if (length == 1 && data.size() >= 16) {
-            length = std::uint64_t { number(data, 8, 4) } << 32 | number(data, 12, 4);
+            length = std::uint64_t { bigEndianAt(data, 8, 4) } << 32 | bigEndianAt(data, 12, 4);
             head = 16;
         }
         if (length == 0)
             length = data.size();
         if (length < head || length > data.size())
             return std::nullopt;
-        if (number(data, 4, 4) == kCodestreamBox)
+        if (bigEndianAt(data, 4, 4) == kCodestreamBox)
             return data.subspan(head);
         data = data.subspan(static_cast<std::size_t>(length));
     }

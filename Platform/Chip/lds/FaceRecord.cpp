@@ -1,5 +1,7 @@
 #include "Platform/Chip/lds/FaceRecord.h"
 
+#include "Platform/Chip/lds/BigEndian.h"
+
 #include <algorithm>
 #include <array>
 
@@ -13,14 +15,6 @@ constexpr std::size_t kFaceHead = 20;
 constexpr std::size_t kFeaturePoint = 8;
 constexpr std::size_t kImageHead = 12;
 
-std::uint32_t number(ByteView data, std::size_t at, std::size_t count)
-{
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        value = value << 8 | data[at + i];
-    return value;
-}
-
 void append(Bytes& to, std::uint32_t value, std::size_t count)
 {
     while (count-- > 0)
@@ -33,23 +27,23 @@ std::optional<FaceImage> parseFace(ByteView block)
     if (block.size() < kFaceHead)
         return std::nullopt;
     FaceImage face;
-    face.featurePoints = static_cast<std::uint16_t>(number(block, 4, 2));
+    face.featurePoints = static_cast<std::uint16_t>(bigEndianAt(block, 4, 2));
     face.gender = block[6];
     face.eyeColor = block[7];
     face.hairColor = block[8];
-    face.features = number(block, 9, 3);
-    face.expression = static_cast<std::uint16_t>(number(block, 12, 2));
+    face.features = bigEndianAt(block, 9, 3);
+    face.expression = static_cast<std::uint16_t>(bigEndianAt(block, 12, 2));
     const std::size_t at = kFaceHead + kFeaturePoint * face.featurePoints;
     if (block.size() <= at + kImageHead)
         return std::nullopt;
     const ByteView head = block.subspan(at);
     face.imageType = head[0];
-    face.width = static_cast<std::uint16_t>(number(head, 2, 2));
-    face.height = static_cast<std::uint16_t>(number(head, 4, 2));
+    face.width = static_cast<std::uint16_t>(bigEndianAt(head, 2, 2));
+    face.height = static_cast<std::uint16_t>(bigEndianAt(head, 4, 2));
     face.colorSpace = head[6];
     face.sourceType = head[7];
-    face.deviceType = static_cast<std::uint16_t>(number(head, 8, 2));
-    face.quality = static_cast<std::uint16_t>(number(head, 10, 2));
+    face.deviceType = static_cast<std::uint16_t>(bigEndianAt(head, 8, 2));
+    face.quality = static_cast<std::uint16_t>(bigEndianAt(head, 10, 2));
     face.image = EncodedImage::of(head.subspan(kImageHead));
     return face;
 }
@@ -61,11 +55,11 @@ std::vector<FaceImage> parseFaceRecord(ByteView record)
     std::vector<FaceImage> faces;
     if (record.size() < kRecordHead || !std::equal(kBeginning.begin(), kBeginning.end(), record.begin()))
         return faces;
-    const std::size_t count = number(record, 12, 2);
+    const std::size_t count = bigEndianAt(record, 12, 2);
     ByteView rest = record.subspan(kRecordHead);
     while (faces.size() < count && rest.size() >= kFaceHead) {
         // Some issuers count the image only or leave the length out: a single face then takes all that is there.
-        std::size_t length = number(rest, 0, 4);
+        std::size_t length = bigEndianAt(rest, 0, 4);
         if (count == 1)
             length = rest.size();
         if (length < kFaceHead || length > rest.size())

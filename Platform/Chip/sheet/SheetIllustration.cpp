@@ -10,7 +10,7 @@ namespace kelvara::chip::sheet {
 
 namespace {
 
-constexpr int kFrameMilliseconds = 33;
+constexpr int kDrawingMilliseconds = 33;
 
 bool hasEnd(SheetPhase phase)
 {
@@ -50,7 +50,7 @@ void SheetIllustration::runOrRest()
     if (!m_moves || !isVisible() || isAtEnd)
         m_timer.stop();
     else if (!m_timer.isActive())
-        m_timer.start(kFrameMilliseconds, this);
+        m_timer.start(kDrawingMilliseconds, this);
 }
 
 void SheetIllustration::paintEvent(QPaintEvent*)

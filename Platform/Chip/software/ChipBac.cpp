@@ -1,6 +1,7 @@
 #include "Platform/Chip/software/ChipBac.h"
 
 #include "Platform/Chip/access/Bac.h"
+#include "Platform/Chip/software/ChipCodes.h"
 
 #include <utility>
 
@@ -9,7 +10,6 @@ namespace kelvara::chip {
 namespace {
 
 constexpr std::uint8_t getChallenge = 0x84, externalAuthenticate = 0x82;
-constexpr std::uint16_t success = 0x9000, authenticationFailed = 0x6300, conditionsNotSatisfied = 0x6985;
 
 } // namespace
 
@@ -26,18 +26,18 @@ ResponseApdu ChipBac::answer(const CommandApdu& command)
 {
     if (command.ins == getChallenge) {
         m_challenge = m_random(bac::challengeSize);
-        return { m_challenge, success };
+        return { m_challenge, codes::success };
     }
     const Bytes challenge = std::exchange(m_challenge, {});
     if (challenge.empty())
-        return { {}, conditionsNotSatisfied };
+        return { {}, codes::conditionsNotSatisfied };
     const auto text = bac::opened(m_documentKeys, command.data);
     if (!text || !equalInConstantTime(ByteView(*text).subspan(bac::challengeSize, bac::challengeSize), challenge))
-        return { {}, authenticationFailed };
+        return { {}, codes::authenticationFailed };
     const ByteView terminalChallenge = ByteView(*text).first(bac::challengeSize);
     const Bytes key = m_random(bac::keyMaterialSize);
     m_session = bac::session(ByteView(*text).last(bac::keyMaterialSize), key, terminalChallenge, challenge);
-    return { bac::sealed(m_documentKeys, joined({ challenge, terminalChallenge, key })), success };
+    return { bac::sealed(m_documentKeys, joined({ challenge, terminalChallenge, key })), codes::success };
 }
 
 std::optional<SessionKeys> ChipBac::takeSession()

@@ -3,19 +3,12 @@
 #include "Platform/Chip/Tlv.h"
 #include "Platform/Chip/access/PaceCalculation.h"
 #include "Platform/Chip/crypto/Padding.h"
+#include "Platform/Chip/software/ChipCodes.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace kelvara::chip {
-
-namespace {
-
-constexpr std::uint16_t success = 0x9000, wrongData = 0x6A80, unknownReference = 0x6A88, authenticationFailed = 0x6300,
-                        conditionsNotSatisfied = 0x6985;
-constexpr std::uint8_t manageSecurityEnvironment = 0x22, generalAuthenticate = 0x86;
-
-} // namespace
 
 ChipPace::ChipPace(
     std::vector<PaceSelection> offers, std::vector<PacePassword> passwords, KeyPair staticKey, RandomSource random)
@@ -25,13 +18,13 @@ ChipPace::ChipPace(
 
 bool ChipPace::isFor(const CommandApdu& command) const
 {
-    return (command.ins == manageSecurityEnvironment && command.p1 == 0xC1 && command.p2 == 0xA4)
-        || (command.ins == generalAuthenticate && m_step != Step::Idle);
+    return (command.ins == codes::manageSecurityEnvironment && command.p1 == 0xC1 && command.p2 == 0xA4)
+        || (command.ins == codes::generalAuthenticate && m_step != Step::Idle);
 }
 
 ResponseApdu ChipPace::answer(const CommandApdu& command)
 {
-    if (command.ins == manageSecurityEnvironment)
+    if (command.ins == codes::manageSecurityEnvironment)
         return select(command);
     switch (m_step) {
     case Step::Idle:
@@ -45,7 +38,7 @@ ResponseApdu ChipPace::answer(const CommandApdu& command)
     case Step::Confirm:
         return confirm(command.data);
     }
-    return refuse(conditionsNotSatisfied);
+    return refuse(codes::conditionsNotSatisfied);
 }
 
 std::optional<SessionKeys> ChipPace::takeSession()
@@ -66,7 +59,7 @@ ResponseApdu ChipPace::select(const CommandApdu& command)
     const auto parameters = findTlv(command.data, 0x84);
     const auto protocol = identifier ? PaceProtocol::fromIdentifier(identifier->value) : std::nullopt;
     if (!protocol || !reference || reference->value.size() != 1)
-        return refuse(wrongData);
+        return refuse(codes::wrongData);
     const auto password = std::find_if(m_passwords.begin(), m_passwords.end(),
         [&](const PacePassword& known) { return known.reference == reference->value[0]; });
     const auto offer = std::find_if(m_offers.begin(), m_offers.end(), [&](const PaceSelection& known) {
@@ -75,11 +68,11 @@ ResponseApdu ChipPace::select(const CommandApdu& command)
             && (parameters ? equalInConstantTime(parameters->value, id) : !known.isAmbiguous);
     });
     if (password == m_passwords.end() || offer == m_offers.end())
-        return refuse(unknownReference);
+        return refuse(codes::unknownReference);
     m_selection = *offer;
     m_password = password->secret;
     m_step = Step::Nonce;
-    return { {}, success };
+    return { {}, codes::success };
 }
 
 ResponseApdu ChipPace::sendNonce()
@@ -89,7 +82,7 @@ ResponseApdu ChipPace::sendNonce()
     m_step = Step::Map;
     return { pace::wrapped(
                  pace::encryptedNonce, encryptCBC(cipher, pace::passwordKey(cipher, m_password), {}, m_nonce)),
-        success };
+        codes::success };
 }
 
 ResponseApdu ChipPace::map(ByteView data)
@@ -97,7 +90,7 @@ ResponseApdu ChipPace::map(ByteView data)
     const KeyAgreementGroup& group = *m_selection.group;
     const auto value = pace::unwrapped(data, pace::terminalMapping);
     if (!value)
-        return refuse(wrongData);
+        return refuse(codes::wrongData);
     std::optional<Bytes> generator;
     m_mappingPair = {};
     if (m_selection.protocol.mapping == PaceMapping::Integrated) {
@@ -107,10 +100,10 @@ ResponseApdu ChipPace::map(ByteView data)
         generator = pace::genericGenerator(group, m_nonce, m_mappingPair.privateKey, *value);
     }
     if (!generator)
-        return refuse(authenticationFailed);
+        return refuse(codes::authenticationFailed);
     m_generator = std::move(*generator);
     m_step = Step::Agree;
-    return { pace::wrapped(pace::chipMapping, m_mappingPair.publicKey), success };
+    return { pace::wrapped(pace::chipMapping, m_mappingPair.publicKey), codes::success };
 }
 
 ResponseApdu ChipPace::agree(ByteView data)
@@ -122,12 +115,12 @@ ResponseApdu ChipPace::agree(ByteView data)
     const auto agreed = other && pair ? group.power(*other, pair->privateKey) : std::nullopt;
     auto keys = agreed ? pace::session(group, m_selection.protocol.cipher, *agreed) : std::nullopt;
     if (!keys)
-        return refuse(authenticationFailed);
+        return refuse(codes::authenticationFailed);
     m_pair = std::move(*pair);
     m_terminalKey = *other;
     m_keys = std::move(*keys);
     m_step = Step::Confirm;
-    return { pace::wrapped(pace::chipKey, m_pair.publicKey), success };
+    return { pace::wrapped(pace::chipKey, m_pair.publicKey), codes::success };
 }
 
 ResponseApdu ChipPace::confirm(ByteView data)
@@ -135,19 +128,19 @@ ResponseApdu ChipPace::confirm(ByteView data)
     const auto token = pace::unwrapped(data, pace::terminalToken);
     if (!token
         || !equalInConstantTime(*token, pace::authenticationToken(m_keys, m_selection.protocol, m_pair.publicKey)))
-        return refuse(authenticationFailed);
+        return refuse(codes::authenticationFailed);
     Bytes objects = makeTlv(pace::chipToken, pace::authenticationToken(m_keys, m_selection.protocol, m_terminalKey));
     if (m_selection.protocol.mapping == PaceMapping::ChipAuthentication) {
         const auto bound = m_selection.group->quotient(m_mappingPair.privateKey, m_staticKey.privateKey);
         if (!bound)
-            return refuse(conditionsNotSatisfied);
+            return refuse(codes::conditionsNotSatisfied);
         const Bytes cryptogram = encryptCBC(m_keys.cipher, m_keys.encryption, pace::chipAuthenticationVector(m_keys),
             padded(*bound, blockSize(m_keys.cipher)));
         objects = joined({ objects, makeTlv(pace::chipAuthenticationData, cryptogram) });
     }
     m_step = Step::Idle;
     m_session = std::move(m_keys);
-    return { makeTlv(pace::authenticationData, objects), success };
+    return { makeTlv(pace::authenticationData, objects), codes::success };
 }
 
 } // namespace kelvara::chip

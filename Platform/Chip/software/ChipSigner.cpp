@@ -1,5 +1,7 @@
 #include "Platform/Chip/software/ChipSigner.h"
 
+#include "Platform/Chip/software/ChipCodes.h"
+
 namespace kelvara::chip {
 
 ChipSigner::ChipSigner(SignatureKey key, DigestAlgorithm digest, bool hasShortTrailer, RandomSource random)
@@ -9,15 +11,14 @@ ChipSigner::ChipSigner(SignatureKey key, DigestAlgorithm digest, bool hasShortTr
 ResponseApdu ChipSigner::answer(const CommandApdu& command) const
 {
     constexpr std::size_t challengeSize = 8, longestSignature = 512;
-    constexpr std::uint16_t success = 0x9000, wrongLength = 0x6700, conditionsNotSatisfied = 0x6985;
     if (command.data.size() != challengeSize)
-        return { {}, wrongLength };
+        return { {}, codes::wrongLength };
     auto signature = m_key.isRsa()
         ? m_key.signRecovery(m_digest, command.data, m_random(longestSignature), m_hasShortTrailer)
         : m_key.signPlain(m_digest, command.data);
     if (!signature)
-        return { {}, conditionsNotSatisfied };
-    return { std::move(*signature), success };
+        return { {}, codes::conditionsNotSatisfied };
+    return { std::move(*signature), codes::success };
 }
 
 } // namespace kelvara::chip

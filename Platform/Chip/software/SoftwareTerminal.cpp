@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
-using Kind = TransportError::Kind;
+using Failure = TransportError::Kind;
 
 /// How often a cancel token, which wakes nobody, is looked at.
 constexpr auto kLook = 20ms;
@@ -92,7 +92,7 @@ public:
             if (auto problem = interruption())
                 return *problem;
             if (isExtended(command) && !m_field->passesExtendedLength)
-                return TransportError { Kind::Failed, "The reader passes no commands of extended length." };
+                return TransportError { Failure::Failed, "The reader passes no commands of extended length." };
             ++m_field->counts.commands;
         }
         SoftwareChip::Reaction reaction = m_chip->react(command);
@@ -115,11 +115,11 @@ private:
     [[nodiscard]] std::optional<TransportError> interruption() const
     {
         if (m_field->isUnplugged)
-            return TransportError { Kind::NoReader, "The reader was unplugged." };
+            return TransportError { Failure::NoReader, "The reader was unplugged." };
         if (m_cancel.isCancelled())
-            return TransportError { Kind::Cancelled, {} };
+            return TransportError { Failure::Cancelled, {} };
         if (m_field->presentation != m_presentation)
-            return TransportError { Kind::CardLost, "The card left the field." };
+            return TransportError { Failure::CardLost, "The card left the field." };
         return std::nullopt;
     }
 
@@ -195,15 +195,15 @@ std::variant<std::unique_ptr<CardChannel>, TransportError> SoftwareTerminal::wai
     std::unique_lock lock(d->mutex);
     while (true) {
         if (d->isUnplugged)
-            return TransportError { Kind::NoReader, "The reader was unplugged." };
+            return TransportError { Failure::NoReader, "The reader was unplugged." };
         if (cancel.isCancelled())
-            return TransportError { Kind::Cancelled, {} };
+            return TransportError { Failure::Cancelled, {} };
         d->returnChipWhenDue();
         if (d->chip)
             break;
         const auto now = Clock::now();
         if (now >= deadline)
-            return TransportError { Kind::NoCard, "No card was presented in time." };
+            return TransportError { Failure::NoCard, "No card was presented in time." };
         auto until = std::min(deadline, now + kLook);
         if (d->lostChip)
             until = std::min(until, d->returnsAt);

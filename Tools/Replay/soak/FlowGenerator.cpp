@@ -12,11 +12,6 @@ namespace kelvara::soak {
 
 namespace {
 
-QString text(const char* latin)
-{
-    return QString::fromLatin1(latin);
-}
-
 /// Writes one flow's steps.
 class Writer
 {

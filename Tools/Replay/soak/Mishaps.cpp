@@ -6,11 +6,6 @@ namespace kelvara::soak {
 
 namespace {
 
-QString text(const char* latin)
-{
-    return QString::fromLatin1(latin);
-}
-
 QJsonObject step(const char* name, const QJsonValue& value)
 {
     return { { text(name), value } };

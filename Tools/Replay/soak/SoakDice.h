@@ -8,6 +8,12 @@
 
 namespace kelvara::soak {
 
+/// Scripts are full of words.
+[[nodiscard]] inline QString text(const char* latin)
+{
+    return QString::fromLatin1(latin);
+}
+
 /// Chance from a seed, the same on every machine (the standard's distributions are not).
 class SoakDice
 {

@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using Kind = TransportError::Kind;
 
-constexpr std::chrono::milliseconds kGlance = 100ms; ///< Between two looks at the cancel token.
+constexpr std::chrono::milliseconds kNfcGlance = 100ms; ///< Between two looks at the cancel token.
 constexpr auto kAccess = QNearFieldTarget::TagTypeSpecificAccess;
 
 /// Identity documents are tags of type 4, which alone take commands of smart cards.
@@ -73,7 +73,7 @@ std::variant<std::unique_ptr<CardChannel>, TransportError> QtNfcTerminal::waitFo
 
     if (!field->startTargetDetection(kAccess))
         return TransportError { Kind::NoReader, "the contactless reader is turned off or taken" };
-    glance.start(kGlance);
+    glance.start(kNfcGlance);
     while (!card && !isStopped && !cancel.isCancelled() && Clock::now() < deadline)
         loop.exec();
 

@@ -1,6 +1,6 @@
 #include "Platform/Chip/software/SoftwareTerminal.h"
 
-#include "ChipDriver.h"
+#include "Tests/Chip/ChipDriver.h"
 
 #include <QElapsedTimer>
 
