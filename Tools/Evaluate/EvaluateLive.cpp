@@ -3,15 +3,12 @@
 //
 //   kelvara-evaluate-live [first seed = 5000000] [runs = 100]
 
-#include "Demo/ScanAreas.h"
 #include "Kelvara/QKMRZScanResult.h"
 #include "Kelvara/QorvelKycView.h"
 #include "Kelvara/SdkModel.h"
-#include "Platform/Capture/ReplayCamera.h"
 #include "Platform/Chip/NFCReaderSession.h"
-#include "Platform/PlatformServices.h"
+#include "Tools/Evaluate/HeldSubject.h"
 #include "Tools/Evaluate/RectangleScenes.h"
-#include "Tools/Evaluate/TextScenes.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -28,10 +25,6 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-constexpr QSize kView(390, 844);
-constexpr QSize kFrame(1080, 1920);
-constexpr double kFramesPerSecond = 30;
-constexpr int kFramesHeld = 36; ///< Then the film runs backwards, so that the hand never jumps.
 constexpr int kLongestMilliseconds = 3000;
 
 struct ContactlessPhone final : NFCReaderSession
@@ -57,20 +50,6 @@ struct Host final : QorvelKycViewDelegate
     std::shared_ptr<SdkModel> record;
 };
 
-/// The card in the hand for a little more than a second.
-std::vector<QImage> film(const specimen::SpecimenData& data)
-{
-    const QRectF area = demo::ScanAreas::of(kView, kFrame).card;
-    specimen::SceneOptions options = nearBack(data.seed, area.size().toSize());
-    options.shift = {};
-    options.size = kFrame;
-    options.frame = area;
-    std::vector<QImage> frames;
-    for (int i = 0; i < kFramesHeld; ++i)
-        frames.push_back(photograph(data, shaken(options, i / kFramesPerSecond)).image);
-    return frames;
-}
-
 struct Outcome
 {
     int milliseconds = -1; ///< From the card's first frame; -1: not accepted.
@@ -79,7 +58,7 @@ struct Outcome
 
 Outcome play(const specimen::SpecimenData& data)
 {
-    const std::vector<QImage> frames = film(data);
+    const std::vector<QImage> frames = heldFilm(data, specimen::Subject::Back);
     QImage empty(kFrame, QImage::Format_ARGB32_Premultiplied);
     empty.fill(QColor(90, 80, 70));
     constexpr int before = 8;
@@ -89,17 +68,10 @@ Outcome play(const specimen::SpecimenData& data)
             return empty;
         if (arrival == 0)
             arrival = Clock::now().time_since_epoch().count();
-        const auto place = static_cast<int>((index - before) % (2 * kFramesHeld - 2));
-        return frames[static_cast<std::size_t>(place < kFramesHeld ? place : 2 * kFramesHeld - 2 - place)];
+        return frameOf(frames, index - before);
     };
-    ReplayCameraOptions front;
-    front.position = AVCaptureDevicePosition::Front;
-    PlatformServices services = PlatformServices::native();
-    services.cameras
-        = std::make_shared<ReplayCameraProvider>(std::make_shared<ReplayCamera>(ReplaySource::generator(picture)),
-            std::make_shared<ReplayCamera>(ReplaySource::still(empty), front));
+    PlatformServices services = phoneSeeing(ReplaySource::generator(picture), empty);
     services.nfc = std::make_shared<ContactlessPhone>();
-    services.userDefaults = nullptr;
 
     Host host;
     QorvelKycView view(QRectF(QPointF(), kView), services);
