@@ -19,10 +19,11 @@ cv::Mat matrixOf(const CVPixelBuffer& picture)
 
 bool isOpaque(const QImage& image)
 {
+    const int width = image.width();
     for (int y = 0; y < image.height(); ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         QRgb all = ~QRgb { 0 };
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < width; ++x) // every frame comes by here: many pixels at a time
             all &= row[x];
         if (qAlpha(all) != 255)
             return false;
