@@ -69,12 +69,16 @@ void QorvelKycViewPrivate::settleFocus(ControlButton* before, bool showsFocus)
             before->takeFocus(showsFocus);
         return;
     }
-    closeButton->takeFocus(showsFocus);
     for (ControlButton* main :
         std::initializer_list<ControlButton*> { takePhotoButton, informationNextButton, nfcReadButton, jitsiButton }) {
-        if (!main->isHidden())
-            main->takeFocus(showsFocus);
+        if (main->isHidden())
+            continue;
+        if (!main->isEnabled()) // the shutter, which waits for the camera
+            closeButton->takeFocus(showsFocus);
+        main->takeFocus(showsFocus);
+        return;
     }
+    closeButton->takeFocus(showsFocus);
 }
 
 void QorvelKycViewPrivate::watchCall(JitsiMeetView* call)

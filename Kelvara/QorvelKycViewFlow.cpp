@@ -182,8 +182,8 @@ void QorvelKycViewPrivate::viewChange()
     }
     raiseCall();
     layoutScreen();
-    settleFocus(focused, showsFocus);
     announceScreen();
+    settleFocus(focused, showsFocus);
 }
 
 void QorvelKycViewPrivate::showInformation(const QString& information)

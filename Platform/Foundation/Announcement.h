@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Platform/Foundation/Export.h"
-
 #include <QString>
 
 class QObject;
@@ -11,6 +9,6 @@ namespace kelvara {
 /// Has assistive technology read a sentence out now. `speaker` is the object that says it: its accessible name or
 /// description must hold the sentence already, as before Qt 6.8 an event carries no words and whoever listens asks the
 /// speaker for them. Costs next to nothing while nobody listens. Main thread.
-KELVARA_EXPORT void announce(QObject& speaker, const QString& sentence);
+void announce(QObject& speaker, const QString& sentence);
 
 } // namespace kelvara
