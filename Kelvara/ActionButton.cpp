@@ -7,7 +7,6 @@ namespace kelvara {
 namespace {
 
 constexpr double kCornerRadius = 8.0;
-constexpr int kTitleSize = 17;
 
 } // namespace
 

@@ -12,6 +12,8 @@ class ActionButton : public ControlButton
 
 public:
     explicit ActionButton(QWidget* parent = nullptr);
+
+    static constexpr int kTitleSize = 17;
 };
 
 } // namespace kelvara

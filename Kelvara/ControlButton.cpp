@@ -272,9 +272,40 @@ void ControlButton::changeEvent(QEvent* event)
     if (!isEnabled()) {
         m_awaitsFocus = std::exchange(m_losesFocusDisabled, false);
         m_focusHeir = QApplication::focusWidget();
-    } else if (std::exchange(m_awaitsFocus, false) && isVisible() && QApplication::focusWidget() == m_focusHeir) {
+    } else if (const bool returns = awaitsFocus(); std::exchange(m_awaitsFocus, false) && isVisible() && returns) {
         setFocus(m_showsFocus ? Qt::TabFocusReason : Qt::MouseFocusReason);
     }
+}
+
+bool ControlButton::awaitsFocus() const
+{
+    return m_awaitsFocus && QApplication::focusWidget() == m_focusHeir;
+}
+
+void ControlButton::takeFocus(bool showsFocus)
+{
+    if (isEnabled()) {
+        setFocus(showsFocus ? Qt::TabFocusReason : Qt::MouseFocusReason);
+        return;
+    }
+    m_showsFocus = showsFocus;
+    m_awaitsFocus = true;
+    m_focusHeir = QApplication::focusWidget();
+}
+
+bool ControlButton::focusNextPrevChild(bool next)
+{
+    if (isVisible() && isEnabled())
+        return QAbstractButton::focusNextPrevChild(next);
+    // It is Qt that moves the focus on, not the person, who is still here and not at some field of the host's.
+    for (QWidget* other = nextInFocusChain(); other != this; other = other->nextInFocusChain()) {
+        if (other->parentWidget() == parentWidget() && other->isVisible() && other->isEnabled()
+            && (other->focusPolicy() & Qt::TabFocus)) {
+            other->setFocus(Qt::TabFocusReason);
+            return true;
+        }
+    }
+    return false;
 }
 
 void ControlButton::hideEvent(QHideEvent* event)

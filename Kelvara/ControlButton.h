@@ -54,6 +54,13 @@ public:
     [[nodiscard]] QSize minimumTouchSize() const;
     void setMinimumTouchSize(const QSize& size);
 
+    /// Whether it shows that it has the focus, or would: not to those who came by mouse or touch.
+    [[nodiscard]] bool showsFocus() const { return m_showsFocus; }
+    /// Whether it lost the focus by being disabled, and takes it back when it is enabled again.
+    [[nodiscard]] bool awaitsFocus() const;
+    /// Takes the focus, with or without a ring; a disabled button when it is enabled, unless the focus moves before.
+    void takeFocus(bool showsFocus);
+
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:
@@ -70,6 +77,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
     void changeEvent(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     template<typename T> void assign(T& member, const T& value);

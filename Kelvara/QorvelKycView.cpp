@@ -18,18 +18,19 @@ constexpr std::chrono::milliseconds kRefreshInterval { 2000 };
 } // namespace
 
 QorvelKycViewPrivate::QorvelKycViewPrivate(QorvelKycView* view, PlatformServices platform)
-    : q(view), services(std::move(platform)), takePhotoButton(new CircleButton(view)),
+    : q(view), services(std::move(platform)), closeButton(new IconButton(view)),
+      informationNextButton(new ActionButton(view)), nfcReadButton(new ActionButton(view)),
+      jitsiButton(new ActionButton(view)), takePhotoButton(new CircleButton(view)), flashButton(new ToggleButton(view)),
       cutoutView(new QKCutoutView(view)), cutoutSelfieView(new OvalOverlayView(view)),
-      idPhotoLabel(new StatementLabel(view)), flashButton(new ToggleButton(view)),
-      nfcReadLabel(new StatementLabel(view)), jitsiLabel(new StatementLabel(view)), jitsiButton(new ActionButton(view)),
-      informationLabel(new StatementLabel(view)), nfcReadButton(new ActionButton(view)),
-      informationNextButton(new ActionButton(view)), closeButton(new IconButton(view)),
+      idPhotoLabel(new StatementLabel(view)), nfcReadLabel(new StatementLabel(view)),
+      jitsiLabel(new StatementLabel(view)), informationLabel(new StatementLabel(view)),
       flipImageView(new FlipImageView(view)), jitsiMeetView(new JitsiMeetView(services.conference, view))
 {
     // Controls belong to no screen until one is composed.
     const auto controls = view->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
     for (QWidget* control : controls)
         control->hide();
+    announcer = new Announcer(view);
 }
 
 QorvelKycViewPrivate::~QorvelKycViewPrivate()
@@ -67,6 +68,7 @@ void QorvelKycViewPrivate::setViewStyle()
 void QorvelKycViewPrivate::initiateScreen()
 {
     watchOverlays();
+    initiateAccess();
     // Queued, so that a host that creates the view and sets its steps in one turn has them before the first screen.
     onMain([this] {
         initiateStatement();
@@ -138,6 +140,16 @@ bool QorvelKycView::forceNfc() const
 void QorvelKycView::setForceNfc(bool force)
 {
     d->forceNfc = force;
+}
+
+double QorvelKycView::textScale() const
+{
+    return d->textScale;
+}
+
+void QorvelKycView::setTextScale(double scale)
+{
+    d->setTextScale(scale);
 }
 
 QorvelKycViewDelegate* QorvelKycView::delegate() const

@@ -39,6 +39,7 @@ class KELVARA_EXPORT QorvelKycView : public QWidget
     Q_PROPERTY(QList<kelvara::ViewType> viewTypes READ viewTypes WRITE setViewTypes)
     Q_PROPERTY(bool forceNfc READ forceNfc WRITE setForceNfc)
     Q_PROPERTY(bool inJitsi READ inJitsi)
+    Q_PROPERTY(double textScale READ textScale WRITE setTextScale)
     Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
 
 public:
@@ -59,6 +60,14 @@ public:
     /// Receiver of the results; borrowed, null when there is none or it has been destroyed.
     [[nodiscard]] QorvelKycViewDelegate* delegate() const;
     void setDelegate(QorvelKycViewDelegate* delegate);
+
+    /// By how much all texts are larger than their ordinary sizes, from 1 (initially) to 3; what lies beyond is taken
+    /// to be the nearest of these. For people who have asked their system for larger text: Qt does not tell a widget by
+    /// how much, the host knows. Takes effect at once, also on the chip reader's sheet and on what stands over a call.
+    /// Texts never lie on a button, nor on an upright view's cut-out: where room is scarce they are smaller than asked
+    /// for, but not smaller than ordinary. The sheet's grow with this view's font besides.
+    [[nodiscard]] double textScale() const;
+    void setTextScale(double scale);
 
     /// The steps as set. Setting them starts at the first one; an empty list keeps the screen as it is. Completion is
     /// for good: once the end was reached, new steps change nothing on the screen; a new view starts again.

@@ -40,6 +40,8 @@ void QorvelKycViewPrivate::setJitsiConference(const QString& url, const QString&
 {
     if (selectedViewType != ViewType::jitsi)
         return;
+    if (const ControlButton* const focused = focusedControl())
+        focusBeforeCall = focused->showsFocus();
     add_removeJitsiInfoViews(false);
     add_removeJitsiView(true);
     openJitsiMeet(url, room, token);
@@ -61,6 +63,8 @@ void QorvelKycViewPrivate::openJitsiMeet(const QString& url, const QString& room
     // The view that joins is not the one on the screen; the call is seen there all the same, as a process has only one.
     jitsiMeetView = new JitsiMeetView(services.conference, q);
     jitsiMeetView->hide();
+    jitsiMeetView->setTextScale(textScale);
+    watchCall(jitsiMeetView);
     jitsiMeetView->setDelegate(this);
     jitsiMeetView->join(options);
 }
@@ -75,11 +79,15 @@ void QorvelKycViewPrivate::conferenceJoined(const std::optional<QVariantMap>&)
     printLine("conferenceJoined");
     ++joinedCalls;
     inJitsi = true;
+    announcer->say(QString::fromUtf8("Görüşme başladı."));
 }
 
 void QorvelKycViewPrivate::conferenceTerminated(const std::optional<QVariantMap>& data)
 {
     onMain([this] { cleanUp(); });
+    // A failure is said by the sentence that stands on the screen.
+    if (!data || !data->contains(QStringLiteral("error")))
+        announcer->say(QString::fromUtf8("Görüşme sona erdi."));
     if (const auto callback = didConferenceTerminated) { // a copy: it may replace itself
         const QPointer<QorvelKycView> view(q);
         const int before = joinedCalls;

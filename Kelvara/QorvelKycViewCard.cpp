@@ -61,6 +61,8 @@ void QorvelKycViewPrivate::updateOverlay(ShapeLayer* border, bool ready)
     takePhotoButton->setBackgroundImage(
         q->getMyImage(ready ? QStringLiteral("camera_button_on") : QStringLiteral("camera_button_off")));
     takePhotoButton->setEnabled(ready);
+    if (ready)
+        announceReady();
 }
 
 QRectF QorvelKycViewPrivate::cutoutRect(const CaptureGeometry& geometry, const QImage& image)

@@ -100,6 +100,7 @@ void QorvelKycViewPrivate::commitSelfie()
     // Off until the next readiness: the second tap of a double tap must not find it.
     takePhotoButton->setEnabled(false);
     store(*sdkModel, kSelfie, inputCGImage.load(), capturedFace);
+    announcer->say(QString::fromUtf8("Selfie çekildi."));
     const QPointer<QorvelKycView> view(q);
     report(delegate(), &QorvelKycViewDelegate::didCaptureSelfiePhoto, *q, *sdkModel, kSelfie);
     if (view)
@@ -112,7 +113,9 @@ void QorvelKycViewPrivate::commitFront()
     flipImageView->flip();
     setCardInstruction(QString::fromUtf8(kTurnToBack));
     store(*sdkModel, kFront, inputCGImage.load(), capturedImage);
+    announcer->say(QString::fromUtf8("Kartın ön yüzü çekildi."));
     isFront = false;
+    announceScreen();
     startSide();
     report(delegate(), &QorvelKycViewDelegate::didCaptureIdFrontPhoto, *q, *sdkModel, kFront);
 }
@@ -123,6 +126,8 @@ void QorvelKycViewPrivate::commitBack()
     setCardInstruction(QString::fromUtf8(kTurnToFront));
     isFront = true;
     store(*sdkModel, kBack, inputCGImage.load(), capturedImage);
+    announcer->say(QString::fromUtf8("Kartın arka yüzü çekildi."));
+    announceScreen();
     startSide();
     const QPointer<QorvelKycView> view(q);
     report(delegate(), &QorvelKycViewDelegate::didCaptureIdBackPhoto, *q, *sdkModel, kBack);

@@ -131,6 +131,8 @@ void QorvelKycViewPrivate::startSide()
 
 void QorvelKycViewPrivate::viewChange()
 {
+    ControlButton* const focused = focusedControl();
+    const bool showsFocus = focused && focused->showsFocus();
     add_removeInformationView(false);
     add_removeFlipImageView(false);
     add_removeCloseButton(false);
@@ -180,6 +182,8 @@ void QorvelKycViewPrivate::viewChange()
     }
     raiseCall();
     layoutScreen();
+    announceScreen();
+    settleFocus(focused, showsFocus);
 }
 
 void QorvelKycViewPrivate::showInformation(const QString& information)

@@ -66,6 +66,7 @@ void QorvelKycViewPrivate::nfcReadInput()
     }
     if (!sdkModel->mrzInfo) {
         initiateNfcReadLabel(QString::fromUtf8(kNoMrz));
+        announceScreen();
         return;
     }
     const QKMRZScanResult& mrz = *sdkModel->mrzInfo;

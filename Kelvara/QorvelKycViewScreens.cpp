@@ -3,14 +3,9 @@
 
 #include <QFont>
 
-#include <algorithm>
-
 namespace kelvara {
 
 namespace {
-
-constexpr int kStatementSize = 18;
-constexpr int kInformationSize = 15;
 
 QFont boldSystemFont(const QWidget* widget, int points)
 {
@@ -206,42 +201,6 @@ void QorvelKycViewPrivate::removePreviewLayer()
 {
     isPreviewAdded = false;
     q->update();
-}
-
-void QorvelKycViewPrivate::layoutScreen()
-{
-    const int width = q->width();
-    const int height = q->height();
-    const auto span = [width](int margin) { return std::max(0, width - 2 * margin); };
-    const auto heightOf = [](const StatementLabel* label, int available) { return label->heightForWidth(available); };
-
-    videoPreviewLayer->setFrame(QRectF(q->rect()));
-    for (QWidget* filling : { static_cast<QWidget*>(cutoutView), static_cast<QWidget*>(cutoutSelfieView) })
-        filling->setGeometry(q->rect());
-
-    for (StatementLabel* label : { informationLabel, nfcReadLabel, jitsiLabel }) {
-        const int wanted = heightOf(label, span(10));
-        label->setGeometry(10, (height - wanted) / 2, span(10), wanted);
-    }
-    for (ActionButton* button : { informationNextButton, nfcReadButton, jitsiButton })
-        button->setGeometry(30, height - 30 - 50, span(30), 50);
-
-    for (JitsiMeetView* call : q->findChildren<JitsiMeetView*>(QString(), Qt::FindDirectChildrenOnly))
-        call->setGeometry(q->rect());
-
-    closeButton->setGeometry(width - 20 - 24, 20, 24, 24);
-
-    const QRect shutter((width - 70) / 2, height - 30 - 70, 70, 70);
-    takePhotoButton->setGeometry(shutter);
-    // Made in code, the button is no circle, and may not spin, until it has been shaped at its final width.
-    if (!takePhotoButton->stopRotate)
-        takePhotoButton->shapeButton();
-    flashButton->setGeometry(shutter.right() + 1 + 30, shutter.top() + (70 - 24) / 2, 24, 24);
-    const int statement = heightOf(idPhotoLabel, span(10));
-    idPhotoLabel->setGeometry(10, shutter.top() - 30 - statement, span(10), statement);
-    flipImageView->setGeometry((width - 80) / 2, (height - 80) / 2, 80, 80);
-
-    publishGeometry();
 }
 
 } // namespace kelvara

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kelvara/ActionButton.h"
+#include "Kelvara/Announcer.h"
 #include "Kelvara/CaptureGeometry.h"
 #include "Kelvara/CircleButton.h"
 #include "Kelvara/FlipImageView.h"
@@ -79,7 +80,7 @@ public:
     /// A side or a step begins: whatever was detected before no longer counts, on either thread.
     void startSide();
 
-    // Controls and layout: QorvelKycViewScreens.cpp
+    // Controls: QorvelKycViewScreens.cpp
     void initiateStatement();
     void setCardInstruction(const QString& text);
     void initiateFlashButton();
@@ -106,7 +107,30 @@ public:
     void watchOverlays();
     void addPreviewLayer();
     void removePreviewLayer();
+
+    // Where they lie, and how large their letters are: QorvelKycViewLayout.cpp
+    static constexpr int kStatementSize = 18;
+    static constexpr int kInformationSize = 15;
     void layoutScreen();
+    void layoutActionButtons();
+    void layoutInstruction(int line);
+    void setTextScale(double scale);
+    /// Makes a label's letters as large as they are wanted and its height allows; gives the height that they need.
+    [[nodiscard]] int fitLetters(StatementLabel* label, int points, int width, int highest) const;
+
+    // Assistive technology and keyboard: QorvelKycViewAccess.cpp
+    void initiateAccess();
+    /// Says what the present screen is about.
+    void announceScreen();
+    /// Says, once a side, that the shutter can be pressed.
+    void announceReady();
+    /// Which control has the keyboard, while a screen goes; null when it is not one of the view's own.
+    [[nodiscard]] ControlButton* focusedControl() const;
+    /// Gives the keyboard to the new screen's main control, in case the one that had it is gone.
+    void settleFocus(ControlButton* before, bool showsFocus);
+    /// What lies beneath a call cannot be seen, and so must not be pressed by Tab and Enter.
+    void watchCall(JitsiMeetView* call);
+    void settleFocusOfCall();
 
     // Camera: QorvelKycViewCapture.cpp
     void setupAndStartCaptureSession();
@@ -190,6 +214,7 @@ public:
 
     // What the host set.
     bool forceNfc = false;
+    double textScale = 1;
     QorvelKycViewDelegate* delegateObject = nullptr; ///< Borrowed; valid while `delegateLife` has not expired.
     std::weak_ptr<const void> delegateLife;
     LinkedListViewType<ViewType> viewTypeLinkedList;
@@ -223,24 +248,28 @@ public:
     QString noCameraText;
     const QColor cameraColor { 27, 170, 194 };
 
-    // Controls, owned by the view; made at once, configured by the `initiate…` block.
+    // Controls, owned by the view; made at once, configured by the `initiate…` block. Buttons are made in the order in
+    // which they lie on the screen from top to bottom, as that is the way Tab goes.
+    IconButton* closeButton;
+    ActionButton* informationNextButton;
+    ActionButton* nfcReadButton;
+    ActionButton* jitsiButton;
     CircleButton* takePhotoButton;
+    ToggleButton* flashButton;
     QKCutoutView* cutoutView;
     OvalOverlayView* cutoutSelfieView;
     StatementLabel* idPhotoLabel;
-    ToggleButton* flashButton;
     StatementLabel* nfcReadLabel;
     StatementLabel* jitsiLabel;
-    ActionButton* jitsiButton;
     StatementLabel* informationLabel;
-    ActionButton* nfcReadButton;
-    ActionButton* informationNextButton;
-    IconButton* closeButton;
     FlipImageView* flipImageView;
+    Announcer* announcer = nullptr;
+    std::uint64_t readySaid = 0; ///< The side whose readiness was announced.
 
     // Call.
     JitsiMeetView* jitsiMeetView; ///< Owned by the view, like those that were joined before.
     bool inJitsi = false;
+    std::optional<bool> focusBeforeCall; ///< Whether the ring showed, where a control had the focus as a call came.
     int joinedCalls = 0;
     std::function<void(const std::optional<QVariantMap>&)> didConferenceTerminated;
 

@@ -129,8 +129,13 @@ QSize StatementLabel::minimumSizeHint() const
 
 int StatementLabel::heightForWidth(int width) const
 {
-    const int margins = 2 * seamMargin(font());
-    const Setting setting(text(), font(), alignment(), m_numberOfLines, std::max(1, width - margins));
+    return heightForWidth(width, font());
+}
+
+int StatementLabel::heightForWidth(int width, const QFont& letters) const
+{
+    const int margins = 2 * seamMargin(letters);
+    const Setting setting(text(), letters, alignment(), m_numberOfLines, std::max(1, width - margins));
     return static_cast<int>(std::ceil(setting.size().height())) + margins;
 }
 

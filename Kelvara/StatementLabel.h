@@ -30,6 +30,8 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
     /// Of all lines at this width, with their seams.
     [[nodiscard]] int heightForWidth(int width) const override;
+    /// The same with other letters, without taking them.
+    [[nodiscard]] int heightForWidth(int width, const QFont& letters) const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

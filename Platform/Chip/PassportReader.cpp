@@ -71,6 +71,7 @@ struct PassportReader::State
     std::shared_ptr<chip::CardTerminal> terminal;
     chip::Patience patience;
     QPointer<QWidget> sheetParent;
+    double sheetTextScale = 1;
     QPointer<chip::ReaderSheet> sheet;
     std::shared_ptr<chip::CancelToken> cancel;
     quint64 readNumber = 0;
@@ -107,6 +108,13 @@ void PassportReader::setTerminal(std::shared_ptr<chip::CardTerminal> terminal)
 void PassportReader::setSheetParent(QWidget* widget)
 {
     d->sheetParent = widget;
+}
+
+void PassportReader::setSheetTextScale(double scale)
+{
+    d->sheetTextScale = scale;
+    if (d->sheet)
+        d->sheet->setTextScale(scale);
 }
 
 void PassportReader::setPatience(std::chrono::milliseconds forCard, std::chrono::milliseconds forLostCard)
@@ -149,6 +157,7 @@ void PassportReader::State::openSheet(const std::shared_ptr<chip::CancelToken>& 
     if (!sheetParent)
         return;
     sheet = new chip::ReaderSheet(sheetParent);
+    sheet->setTextScale(sheetTextScale);
     QObject::connect(sheet, &chip::ReaderSheet::cancelled, sheet, [token] { token->cancel(); });
     sheet->present();
 }

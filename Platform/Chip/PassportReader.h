@@ -50,6 +50,9 @@ public:
     /// Over whose window the sheet with message, progress and cancel button slides up; null: no sheet. Borrowed; the
     /// widget may go at any time.
     void setSheetParent(QWidget* widget);
+    /// By how much the sheet's letters are larger than ordinary, at least; see `chip::ReaderSheet::setTextScale`. Also
+    /// for the sheet that is shown now. Main thread.
+    void setSheetTextScale(double scale);
 
     /// How long a card is waited for, at the start and whenever it was lost. Before the first read only.
     void setPatience(std::chrono::milliseconds forCard, std::chrono::milliseconds forLostCard);

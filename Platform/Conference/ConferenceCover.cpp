@@ -1,20 +1,29 @@
 #include "Platform/Conference/ConferenceCover.h"
 
-#include <QAccessible>
+#include "Platform/Foundation/Announcement.h"
+
+#include <QFontMetrics>
 #include <QLabel>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <cmath>
+
 namespace kelvara {
 
 namespace {
 
 constexpr int kMargin = 32;
+constexpr int kBelowAction = 30;
 constexpr int kSignSize = 56;
-constexpr int kSentenceSize = 17; ///< Points.
+constexpr int kUnderSign = 20;
+constexpr int kLetters = 17; ///< Of sentence and button, points.
+constexpr double kLettersStep = 0.95;
 constexpr int kActionHeight = 50;
+constexpr int kActionAir = 16; ///< Above and below the letters of the button together.
 constexpr int kTurnMilliseconds = 33;
 constexpr int kTurnDegrees = 9;
 constexpr QColor kAccent { 27, 170, 194 };
@@ -23,7 +32,7 @@ constexpr QColor kWarning { 0xf0, 0xb4, 0x4c };
 // White on it has a contrast of 5 : 1, on the accent itself not even 3.
 const QString kActionStyle = QStringLiteral(
     "QPushButton { background: #0d7688; color: white; border: 2px solid transparent; border-radius: 10px;"
-    " padding: 0 24px; font-size: 17px; font-weight: 600; }"
+    " padding: 0 24px; font-size: %1px; font-weight: 600; }"
     "QPushButton:hover { background: #0b6777; } QPushButton:pressed { background: #095966; }"
     "QPushButton:focus { border-color: #bfe9f1; }");
 
@@ -36,25 +45,22 @@ ConferenceCover::ConferenceCover(QWidget* parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     m_sign->setFixedSize(kSignSize, kSignSize);
     m_sign->setAttribute(Qt::WA_TransparentForMouseEvents);
-    QFont font = m_sentence->font();
-    font.setPixelSize(kSentenceSize);
-    m_sentence->setFont(font);
     m_sentence->setWordWrap(true);
     m_sentence->setAlignment(Qt::AlignCenter);
     m_sentence->setStyleSheet(QStringLiteral("color: white;"));
-    m_action->setStyleSheet(kActionStyle);
-    m_action->setMinimumHeight(kActionHeight);
     m_action->setAutoDefault(true);
     connect(m_action, &QPushButton::clicked, this, &ConferenceCover::dismissed);
 
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(kMargin, kMargin, kMargin, 30); // the button lies where the view's own ones do
+    layout->setContentsMargins(kMargin, kMargin, kMargin, kBelowAction); // the button lies where the view's own ones do
     layout->addStretch();
     layout->addWidget(m_sign, 0, Qt::AlignHCenter);
-    layout->addSpacing(20);
+    layout->addSpacing(kUnderSign);
     layout->addWidget(m_sentence);
     layout->addStretch();
     layout->addWidget(m_action);
+
+    fitLetters();
 
     m_turning.setInterval(kTurnMilliseconds);
     connect(&m_turning, &QTimer::timeout, this, [this] {
@@ -74,6 +80,8 @@ void ConferenceCover::showConnecting()
 
 void ConferenceCover::showMessage(const QString& sentence)
 {
+    if (!m_isConnecting && !isHidden() && m_sentence->text() == sentence)
+        return; // said already
     m_isConnecting = false;
     m_turning.stop();
     tell(sentence, QStringLiteral("Tamam"));
@@ -84,12 +92,45 @@ void ConferenceCover::tell(const QString& sentence, const QString& action)
 {
     m_sentence->setText(sentence);
     m_action->setText(action);
+    fitLetters();
     setAccessibleName(sentence);
     show();
     raise();
     update();
-    QAccessibleEvent announcement(m_sentence, QAccessible::Alert);
-    QAccessible::updateAccessibility(&announcement);
+    announce(*m_sentence, sentence);
+}
+
+void ConferenceCover::setTextScale(double scale)
+{
+    m_textScale = scale;
+    fitLetters();
+}
+
+void ConferenceCover::fitLetters()
+{
+    for (double scale = m_textScale; !takeLetters(scale); scale = std::max(1.0, scale * kLettersStep)) { }
+}
+
+bool ConferenceCover::takeLetters(double scale)
+{
+    const int letters = static_cast<int>(std::lround(kLetters * scale));
+    QFont font = m_sentence->font();
+    font.setPixelSize(letters);
+    m_sentence->setFont(font);
+    m_action->setStyleSheet(kActionStyle.arg(letters));
+    const int action = std::max(kActionHeight, QFontMetrics(font).height() + kActionAir);
+    m_action->setFixedHeight(action);
+    const int gaps = (layout()->count() - 1) * layout()->spacing();
+    const int others = kMargin + kSignSize + kUnderSign + action + kBelowAction + gaps;
+    const int wanted = m_sentence->heightForWidth(width() - 2 * kMargin);
+    m_sentence->setMinimumHeight(std::max(0, std::min(height() - others, wanted))); // the layout would give it less
+    return scale <= 1 || others + wanted <= height();
+}
+
+void ConferenceCover::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    fitLetters();
 }
 
 void ConferenceCover::hideEvent(QHideEvent* event)

@@ -16,6 +16,8 @@ class ConferenceCover final : public QWidget
 public:
     explicit ConferenceCover(QWidget* parent);
 
+    /// By how much letters are larger than ordinary, where there is room. Initially 1.
+    void setTextScale(double scale);
     void showConnecting();
     /// A sentence that stays until it is dismissed.
     void showMessage(const QString& sentence);
@@ -27,9 +29,12 @@ Q_SIGNALS:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void tell(const QString& sentence, const QString& action);
+    void fitLetters();
+    [[nodiscard]] bool takeLetters(double scale);
     void paintSign(QPainter& painter) const;
     [[nodiscard]] QRectF signRect() const;
 
@@ -37,6 +42,7 @@ private:
     QLabel* m_sentence;
     QPushButton* m_action;
     QTimer m_turning;
+    double m_textScale = 1;
     int m_turn = 0; ///< Degrees.
     bool m_isConnecting = false;
 };

@@ -293,7 +293,7 @@ void ConferenceHall::leaveStage()
     }
     removeCover();
     if (m_stage)
-        m_stage->setAttribute(Qt::WA_TransparentForMouseEvents);
+        m_stage->setOccupied(false);
     m_stage = nullptr;
 }
 
@@ -314,7 +314,7 @@ void ConferenceHall::place()
     m_stage = stage;
     if (!stage)
         return;
-    stage->setAttribute(Qt::WA_TransparentForMouseEvents, false);
+    stage->setOccupied(true);
     if (QWidget* widget = m_conference && m_conference->page ? m_conference->page->widget() : nullptr;
         widget && widget->parentWidget() != stage) {
         widget->setParent(stage);
@@ -324,6 +324,7 @@ void ConferenceHall::place()
     const bool isCovered = !m_conference || !m_conference->isPresented;
     if (isCovered && !m_cover) {
         m_cover = new ConferenceCover(stage);
+        m_cover->setTextScale(stage->textScale());
         m_cover->setGeometry(stage->rect());
         connect(m_cover, &ConferenceCover::dismissed, this, &ConferenceHall::dismissed);
     }

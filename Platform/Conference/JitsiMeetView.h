@@ -46,6 +46,18 @@ public:
     /// From `join` until its termination.
     [[nodiscard]] bool isInConference() const;
 
+    /// Whether a conference or a message stands here, so that nothing beneath is seen or reached by touch.
+    [[nodiscard]] bool isOccupied() const;
+
+    /// By how much the letters of what stands over the call are larger than ordinary, 1 (initially) to 3; the call itself is
+    /// the server's own page.
+    [[nodiscard]] double textScale() const;
+    void setTextScale(double scale);
+
+Q_SIGNALS:
+    /// `isOccupied` has changed. Comes amid the change, also when the view is destroyed: act on it from the event loop.
+    void occupied(bool isOccupied);
+
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
@@ -53,6 +65,7 @@ protected:
 
 private:
     friend class ConferenceHall;
+    void setOccupied(bool isOccupied);
     struct State;
     std::unique_ptr<State> d;
 };

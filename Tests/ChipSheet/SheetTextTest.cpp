@@ -2,6 +2,7 @@
 #include "Platform/Chip/sheet/SheetProgress.h"
 #include "Platform/Chip/sheet/SheetStyle.h"
 #include "Tests/ChipSheet/SheetRig.h"
+#include "Tests/Support/AccessWatch.h"
 
 #include <QAccessible>
 #include <QFontInfo>
@@ -10,6 +11,8 @@
 #include <QScrollBar>
 #include <QThread>
 
+#include <cmath>
+#include <numeric>
 #include <set>
 
 namespace kelvara::chip {
@@ -185,6 +188,58 @@ TEST_F(SheetRig, TellsAssistiveTechnology)
     EXPECT_EQ(label->role(), QAccessible::StaticText);
     EXPECT_EQ(label->text(QAccessible::Name), QStringLiteral("lost"));
     EXPECT_EQ(sheet->findChild<QProgressBar*>()->value(), 40);
+}
+
+TEST_F(SheetRig, SaysTheProgressAtEveryFifthAndEveryMessageOnce)
+{
+    const auto bar = [](int percent) {
+        return QString::fromUtf8("Okunuyor\n") + QString::fromUtf8("🟢 ").repeated(percent / 20)
+            + QString::fromUtf8("⚪️ ").repeated(5 - percent / 20);
+    };
+    struct Row
+    {
+        const char* name;
+        std::vector<int> percents;
+        QStringList said;
+    };
+    std::vector<int> every(101);
+    std::iota(every.begin(), every.end(), 0);
+    for (const Row& row : {
+             Row { "every piece", every,
+                 { "Okunuyor", "Yüzde 20", "Yüzde 40", "Yüzde 60", "Yüzde 80", "Yüzde 100", "Bitti" } },
+             Row { "leaps", { 0, 0, 19, 55, 55, 81 }, { "Okunuyor", "Yüzde 55", "Yüzde 81", "Yüzde 100", "Bitti" } },
+             Row { "nothing but the end", {}, { "Yüzde 100", "Bitti" } },
+         }) {
+        const std::unique_ptr<ReaderSheet> sheet(newSheet());
+        sheet->present();
+        test::AccessWatch watch;
+        for (const int percent : row.percents)
+            sheet->display(message(Kind::readingDataGroup, percent), bar(percent));
+        sheet->display(message(Kind::successfulRead, 100), QStringLiteral("Bitti"));
+        EXPECT_EQ(watch.said, row.said) << row.name << ": " << watch.said.join('|').toStdString();
+    }
+    const std::unique_ptr<ReaderSheet> sheet(newSheet());
+    test::AccessWatch watch;
+    sheet->present();
+    sheet->display(message(Kind::readingDataGroup, 40), bar(40));
+    sheet->display(message(Kind::requestPresentCard, 40, true), QStringLiteral("again"));
+    sheet->display(message(Kind::readingDataGroup, 41), bar(41));
+    sheet->display(failed(Failure::TagLost), QStringLiteral("lost"));
+    EXPECT_EQ(watch.said.mid(1), QStringList({ "Yüzde 40", "Okunuyor", "again", "Okunuyor", "lost" }))
+        << watch.said.join('|').toStdString();
+}
+
+TEST_F(SheetRig, LettersGrowWithTheScaleAsWell)
+{
+    const std::unique_ptr<ReaderSheet> sheet(newSheet());
+    sheet->present();
+    const auto size = [&] { return QFontInfo(sheet->findChild<SheetText*>("message")->font()).pixelSize(); };
+    const int ordinary = size();
+    for (const auto& [scale, letters] :
+        { std::pair(2.0, 32), std::pair(0.5, ordinary), std::pair(std::nan(""), ordinary) }) {
+        sheet->setTextScale(scale);
+        EXPECT_EQ(size(), letters) << scale;
+    }
 }
 
 } // namespace

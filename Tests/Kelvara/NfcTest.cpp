@@ -7,6 +7,7 @@
 #include "Platform/Chip/sheet/ReaderSheet.h"
 #include "Platform/Chip/software/SoftwareTerminal.h"
 #include "Platform/Mrz/QKMRZResult.h"
+#include "Tests/Support/AccessWatch.h"
 #include "Tests/Support/KycHarness.h"
 
 #include <QLabel>
@@ -90,6 +91,7 @@ TEST_F(NfcStep, ReadsTheCardAndHandsItOver)
 {
     open({ nfcRead, selfie });
     acceptZone();
+    AccessWatch watch;
     press();
     EXPECT_TRUE(spinUntil([&] { return sheet() != nullptr; }));
     terminal->place(chipOf(profile()));
@@ -104,6 +106,13 @@ TEST_F(NfcStep, ReadsTheCardAndHandsItOver)
     EXPECT_EQ(stage->d().selectedViewType, selfie) << "the flow moves on";
     EXPECT_EQ(stage->d().services.userDefaults->string(QStringLiteral("passportNumber")), "D23145890");
     EXPECT_TRUE(spinUntil([&] { return sheet() == nullptr; })) << "the sheet goes by itself";
+
+    // What everybody in the room may hear.
+    EXPECT_TRUE(watch.hasSaid(text("Kimlik Kartı Başarıyla okundu.")));
+    EXPECT_EQ(watch.said.count(text("Yüzde 100")), 1);
+    EXPECT_EQ(watch.said.removeDuplicates(), 0) << watch.said.join('|').toStdString();
+    for (const char* secret : { "ERIKSSON", "Eriksson", "D23145890", "740812", "320415", "1974", "2032" })
+        EXPECT_FALSE(watch.hasSaid(QString::fromLatin1(secret))) << secret;
 }
 
 TEST_F(NfcStep, WithoutADelegateTheFlowStillMovesOn)

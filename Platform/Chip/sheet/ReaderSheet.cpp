@@ -4,6 +4,7 @@
 #include "Platform/Chip/sheet/SheetButton.h"
 #include "Platform/Chip/sheet/SheetPanel.h"
 #include "Platform/Chip/sheet/SheetStyle.h"
+#include "Platform/Foundation/Announcement.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -112,6 +113,12 @@ ReaderSheet::~ReaderSheet()
         giveFocusBack();
 }
 
+void ReaderSheet::setTextScale(double scale)
+{
+    m_panel->setTextScale(scale > 1 ? std::min(scale, 3.0) : 1); // also what is no number
+    arrange();
+}
+
 void ReaderSheet::present()
 {
     if (std::exchange(m_isPresented, true) || !m_window)
@@ -131,7 +138,7 @@ void ReaderSheet::present()
     raise();
     m_panel->button()->setFocus(Qt::OtherFocusReason);
     slide(true);
-    announce();
+    announceMessage();
 }
 
 void ReaderSheet::display(const NFCViewDisplayMessage& message, const QString& text)
@@ -148,10 +155,12 @@ void ReaderSheet::display(const NFCViewDisplayMessage& message, const QString& t
     const int percent = m_phase == SheetPhase::Done ? 100 : message.progress;
     const bool isNews = m_panel->show(m_phase, titleOf(m_phase), text, percent);
     m_hasEnded = isEnd;
-    if (!m_isPresented)
+    const bool wasPresented = m_isPresented;
+    if (!wasPresented)
         present();
-    else if (isNews)
-        announce();
+    announceProgress(percent); // first: the last words are what the read has come to
+    if (wasPresented && isNews)
+        announceMessage();
     arrange();
     if (isEnd)
         m_stay.start(m_phase == SheetPhase::Done ? kSuccessStays : kErrorStays);
@@ -245,11 +254,21 @@ void ReaderSheet::giveFocusBack()
         m_window->focusWidget()->clearFocus();
 }
 
-void ReaderSheet::announce()
+void ReaderSheet::announceMessage()
 {
     setAccessibleName(titleOf(m_phase));
     setAccessibleDescription(m_panel->spokenMessage());
-    sheet::announce(this);
+    announce(*this, accessibleName() + QStringLiteral(". ") + accessibleDescription());
+}
+
+void ReaderSheet::announceProgress(int percent)
+{
+    // Not at every piece that was read: nobody could listen to a hundred numbers. An error says no number any more.
+    constexpr int kFifth = 20;
+    if (m_phase == SheetPhase::Failed || percent / kFifth <= m_fifthsSaid)
+        return;
+    m_fifthsSaid = percent / kFifth;
+    m_panel->announceProgress();
 }
 
 bool ReaderSheet::moves() const

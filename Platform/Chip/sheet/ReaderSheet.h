@@ -34,6 +34,9 @@ public:
     explicit ReaderSheet(QWidget* over);
     ~ReaderSheet() override;
 
+    /// By how much letters are larger than ordinary, at least, 1 to 3: they grow with the system's font as well, whichever is
+    /// larger. Initially 1. Where room is scarce they are smaller than asked for, but not smaller than ordinary.
+    void setTextScale(double scale);
     /// Slides up. Only once.
     void present();
     /// What the read has come to, with the text that the reader decided to show; presents the sheet in need. After
@@ -70,7 +73,8 @@ private:
     void placePanel();
     void guardFocus(QWidget* now);
     void giveFocusBack();
-    void announce();
+    void announceMessage();
+    void announceProgress(int percent);
     [[nodiscard]] bool moves() const;
 
     QPointer<QWidget> m_window;
@@ -80,6 +84,7 @@ private:
     QTimer m_stay;
     sheet::SheetPhase m_phase = sheet::SheetPhase::Present;
     double m_shown = 0; ///< How far it has come up, 0 to 1.
+    int m_fifthsSaid = 0; ///< Of the progress.
     bool m_isPresented = false;
     bool m_hasEnded = false; ///< Nothing more is shown or emitted.
     bool m_isLeaving = false;

@@ -65,7 +65,8 @@ SheetPanel::SheetPanel(QWidget* parent)
 
 bool SheetPanel::show(SheetPhase phase, const QString& title, const QString& message, int percent)
 {
-    const bool isNews = title != m_title->text() || message != m_message->text();
+    // Circles that fill are no news to the ear: `announceProgress` says them as a number.
+    const bool isNews = title != m_title->text() || spokenText(message) != spokenMessage();
     m_title->setText(title);
     m_message->setText(message);
     m_illustration->setPhase(phase);
@@ -93,6 +94,11 @@ QString SheetPanel::spokenMessage() const
     return spokenText(m_message->text());
 }
 
+void SheetPanel::announceProgress()
+{
+    m_progress->announceValue();
+}
+
 void SheetPanel::setMoves(bool moves)
 {
     m_moves = moves;
@@ -101,7 +107,7 @@ void SheetPanel::setMoves(bool moves)
 
 double SheetPanel::wantedScale() const
 {
-    return std::max(1.0, QFontInfo(font()).pixelSize() / double(kTextSize));
+    return std::max({ 1.0, m_textScale, QFontInfo(font()).pixelSize() / double(kTextSize) });
 }
 
 SheetPanel::Arrangement SheetPanel::arrangementAt(double scale, int width, int highest) const

@@ -23,10 +23,14 @@ class SheetPanel final : public QWidget
 public:
     explicit SheetPanel(QWidget* parent);
 
-    /// Whether title or message differ from what was shown.
+    /// Whether title or message, as they are read out, differ from what was shown.
     bool show(SheetPhase phase, const QString& title, const QString& message, int percent);
     [[nodiscard]] QString spokenMessage() const;
+    /// Has the percentage read out.
+    void announceProgress();
     void setMoves(bool moves);
+    /// By how much letters are larger than ordinary, at least. Counts from the next arrangement.
+    void setTextScale(double scale) { m_textScale = scale; }
 
     /// Arranges the contents for this width and takes the height that needs, `highest` at most.
     void arrange(int width, int highest);
@@ -59,6 +63,7 @@ private:
     SheetProgress* m_progress;
     SheetButton* m_button;
     bool m_moves = true;
+    double m_textScale = 1;
     int m_roomForMessage = 0; ///< The most a message has needed; so that the sheet does not jump with every text.
     int m_roomWidth = 0;
     double m_roomScale = 0;

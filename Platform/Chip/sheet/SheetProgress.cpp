@@ -1,6 +1,7 @@
 #include "Platform/Chip/sheet/SheetProgress.h"
 
 #include "Platform/Chip/sheet/SheetStyle.h"
+#include "Platform/Foundation/Announcement.h"
 
 #include <QPainter>
 #include <QTimerEvent>
@@ -67,6 +68,12 @@ void SheetProgress::setColor(const QColor& color)
 {
     m_color = color;
     update();
+}
+
+void SheetProgress::announceValue()
+{
+    setAccessibleDescription(QString::fromUtf8("Yüzde %1").arg(value()));
+    announce(*this, accessibleDescription());
 }
 
 void SheetProgress::paintEvent(QPaintEvent*)

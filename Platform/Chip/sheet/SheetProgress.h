@@ -17,6 +17,8 @@ public:
     /// To this percentage, at once or gliding.
     void advance(int percent, bool glides);
     void setColor(const QColor& color);
+    /// Has the percentage read out.
+    void announceValue();
 
     [[nodiscard]] QSize sizeHint() const override { return { 100, kThickness }; }
     [[nodiscard]] QSize minimumSizeHint() const override { return { kThickness, kThickness }; }
