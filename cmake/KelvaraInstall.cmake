@@ -64,9 +64,15 @@ function(kelvara_product name)
         COMPONENT dev)
 endfunction()
 
-# A program for integrators, built with everything else that is installed.
+# A program for integrators, built with everything else that is installed, and its page of the manual.
 function(kelvara_installed_program target)
     install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
+    get_target_property(name ${target} OUTPUT_NAME)
+    if(NOT name)
+        set(name ${target})
+    endif()
+    install(FILES "${PROJECT_SOURCE_DIR}/Tools/Package/man/${name}.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1"
+        COMPONENT tools)
     add_dependencies(kelvara_products ${target})
 endfunction()
 
