@@ -76,7 +76,8 @@ PlatformServices replayServices(QSize frame)
         .imageAnalysis = VisionDetectors::native(),
         .nfc = nullptr,
         .userDefaults = UserDefaults::inMemory(),
-        .masterListURL = {} };
+        .masterListURL = {},
+        .conference = nullptr };
 }
 
 /// From the view's constructor until the first frame's card and face are known on the main thread. The first iteration
