@@ -133,9 +133,14 @@ TEST(Commit, ARepeatedCardStepTakesTheFrontAnew)
     EXPECT_EQ(stage.shownText(), tr8(kTurnToFront));
     EXPECT_TRUE(stage.d().isFront);
     settle();
+    QImage other(270, 480, QImage::Format_RGB32);
+    other.fill(Qt::white);
+    stage.device.back->setSource(ReplaySource::still(other));
+    ASSERT_TRUE(spinUntil([&] { return stage.d().inputCGImage.load()->pixelColor(9, 9) == Qt::white; }));
     stage.show(true, true);
     ASSERT_TRUE(stage.shoot());
     EXPECT_EQ(stage.delegate.calls, (QStringList { "front", "back", "front" }));
+    EXPECT_EQ(QImage(stage.delegate.photos.back().image).pixelColor(9, 9), QColor(Qt::white));
     EXPECT_TRUE(holds(*stage.d().sdkModel, kFront, stage.delegate.photos.back()));
     EXPECT_TRUE(holds(*stage.d().sdkModel, kBack, stage.delegate.photos[1]));
 }
