@@ -98,6 +98,11 @@ struct TroubleRow
     bool runs;
 };
 
+void PrintTo(const TroubleRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
 class Trouble : public testing::TestWithParam<TroubleRow>
 { };
 
@@ -161,6 +166,11 @@ struct ScanAreaRow
     ViewType step;
     QSizeF expected; ///< of the cut-out in frame pixels
 };
+
+void PrintTo(const ScanAreaRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
 
 class ScanArea : public testing::TestWithParam<ScanAreaRow>
 { };
