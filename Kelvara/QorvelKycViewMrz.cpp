@@ -26,17 +26,7 @@ void QorvelKycViewPrivate::handleMrzRequest(const VNRequest& request, const std:
     const std::optional<QImage> image = inputCGImage.load();
     if (!inputCIImage.load() || !image)
         return;
-    const double width = image->width();
-    const double height = image->height();
-    const QTransform toPixels = QTransform().scale(width, -height).translate(0, -1);
-    QRectF band;
-    for (const VNTextObservation& line : *observations) {
-        const QRectF rect = toPixels.mapRect(line.boundingBox);
-        if (rect.width() > kLeastLineWidth * width)
-            band |= rect;
-    }
-    if (band.height() > kMostBandHeight * height)
-        return;
+    const QRectF band = mrzBand(*observations, image->size());
     const std::optional<QImage> cut = cropping(*image, band);
     if (!cut)
         return;
@@ -56,6 +46,18 @@ void QorvelKycViewPrivate::handleMrzRequest(const VNRequest& request, const std:
             = std::make_shared<QKMRZScanResult>(result, enlargedDocumentImage(*seenBy, *frame), services.imageAnalysis);
         didDetectMrzData(*filterImage, band, scanResult);
     });
+}
+
+QRectF QorvelKycViewPrivate::mrzBand(const std::vector<VNTextObservation>& lines, const QSizeF& frame)
+{
+    const QTransform toPixels = QTransform().scale(frame.width(), -frame.height()).translate(0, -1);
+    QRectF band;
+    for (const VNTextObservation& line : lines) {
+        const QRectF rect = toPixels.mapRect(line.boundingBox);
+        if (rect.width() > kLeastLineWidth * frame.width())
+            band |= rect;
+    }
+    return band.height() > kMostBandHeight * frame.height() ? QRectF() : band;
 }
 
 std::optional<QKMRZResult> QorvelKycViewPrivate::mrz(const QImage& from)

@@ -177,6 +177,9 @@ public:
 
     // MRZ: QorvelKycViewMrz.cpp (videoQueue, but for the last)
     void handleMrzRequest(const VNRequest& request, const std::optional<VNError>& error);
+    /// Where the long lines lie together, in pixels of a frame of that size (origin top-left). Null when there are
+    /// none, or when they stand too far apart to be a zone.
+    [[nodiscard]] static QRectF mrzBand(const std::vector<VNTextObservation>& lines, const QSizeF& frame);
     [[nodiscard]] std::optional<QKMRZResult> mrz(const QImage& from);
     [[nodiscard]] static std::optional<std::vector<MrzLineReading>> mrzLines(const TesseractText& from);
     void didDetectMrzData(const CIImage& image, const QRectF& rect, const std::shared_ptr<QKMRZScanResult>& scanResult);

@@ -1,3 +1,4 @@
+#include "Controls.h"
 #include "Documents.h"
 #include "LiveView.h"
 
@@ -15,6 +16,7 @@ int main(int argc, char** argv)
         const char* name;
         QString (*run)();
     } trials[] = {
+        { "the controls for hosts", tryControls },
         { "the view before a replay camera", tryLiveView },
         { "the zone of a photographed card", tryZone },
         { "the face of a portrait", tryFace },

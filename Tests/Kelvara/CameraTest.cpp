@@ -1,5 +1,6 @@
 #include "Tests/Support/KycHarness.h"
 
+#include <QGuiApplication>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
@@ -40,23 +41,53 @@ TEST(Camera, RunsFollowsTheStepAndIsObservable)
     EXPECT_TRUE(spinUntil([&] { return stage.view->isScanning(); }));
 }
 
-TEST(Camera, TheBackgroundPausesOnlyWhatRan)
+/// What the system tells the application; in the foreground again at the end of a test, whatever came of it.
+class Background : public testing::Test
+{
+protected:
+    static void tell(Qt::ApplicationState state) { Q_EMIT qGuiApp->applicationStateChanged(state); }
+    void TearDown() override { tell(Qt::ApplicationActive); }
+};
+
+TEST_F(Background, PausesOnlyWhatRan)
 {
     Stage stage;
     stage.setSteps({ idPhoto });
     ASSERT_TRUE(spinUntil([&] { return stage.view->isScanning(); }));
-    for (int round = 0; round < 2; ++round) {
-        QMetaObject::invokeMethod(stage.view, "appDidEnterBackground");
+    tell(Qt::ApplicationInactive); // another window has the focus, ours is still seen
+    settle();
+    EXPECT_TRUE(stage.view->isScanning());
+    EXPECT_FALSE(stage.d().isScanningPaused);
+    for (const auto state : { Qt::ApplicationHidden, Qt::ApplicationSuspended }) {
+        tell(state);
+        EXPECT_TRUE(stage.d().isScanningPaused);
         ASSERT_TRUE(spinUntil([&] { return !stage.view->isScanning(); }));
-        QMetaObject::invokeMethod(stage.view, "appWillEnterForeground");
+        tell(Qt::ApplicationInactive);
+        EXPECT_TRUE(stage.d().isScanningPaused);
+        tell(Qt::ApplicationActive);
+        EXPECT_FALSE(stage.d().isScanningPaused);
         ASSERT_TRUE(spinUntil([&] { return stage.view->isScanning(); }));
     }
     stage.view->stopScanning();
     ASSERT_TRUE(spinUntil([&] { return !stage.view->isScanning(); }));
-    QMetaObject::invokeMethod(stage.view, "appDidEnterBackground");
-    QMetaObject::invokeMethod(stage.view, "appWillEnterForeground");
+    tell(Qt::ApplicationHidden);
+    EXPECT_FALSE(stage.d().isScanningPaused);
+    tell(Qt::ApplicationActive);
     settle();
     EXPECT_FALSE(stage.view->isScanning());
+}
+
+TEST_F(Background, MayComeInTheTurnOfCreation)
+{
+    Stage stage;
+    ASSERT_TRUE(stage.d().captureSession->isRunning()) << "although the view does not know it yet";
+    tell(Qt::ApplicationHidden);
+    EXPECT_FALSE(stage.d().captureSession->isRunning());
+    stage.setSteps({ idPhoto });
+    EXPECT_FALSE(stage.view->isScanning());
+    tell(Qt::ApplicationActive);
+    EXPECT_TRUE(spinUntil([&] { return stage.view->isScanning(); }));
+    EXPECT_TRUE(delivers(stage));
 }
 
 struct TroubleRow
@@ -66,6 +97,11 @@ struct TroubleRow
     const char* text;
     bool runs;
 };
+
+void PrintTo(const TroubleRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
 
 class Trouble : public testing::TestWithParam<TroubleRow>
 { };
@@ -130,6 +166,11 @@ struct ScanAreaRow
     ViewType step;
     QSizeF expected; ///< of the cut-out in frame pixels
 };
+
+void PrintTo(const ScanAreaRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
 
 class ScanArea : public testing::TestWithParam<ScanAreaRow>
 { };
@@ -199,6 +240,22 @@ TEST(Camera, TheTorchFollowsTheHardware)
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "aaaa\nbbb\n");
     EXPECT_FALSE(device.back->isTorchActive());
     EXPECT_EQ(device.back->configurationLocks(), 0);
+}
+
+TEST(Camera, WhereThereIsNoTorchNothingButALineIsPrinted)
+{
+    QorvelKycView noCameras(PlatformServices {});
+    Stage noCamera { Device::withoutCameras() };
+    Stage noTorch;
+    const auto printedBy = [](QorvelKycView& tapped) {
+        testing::internal::CaptureStdout();
+        QMetaObject::invokeMethod(&tapped, "flashState");
+        return testing::internal::GetCapturedStdout();
+    };
+    EXPECT_EQ(printedBy(noCameras), "");
+    EXPECT_EQ(printedBy(*noCamera.view), "");
+    EXPECT_EQ(printedBy(*noTorch.view), "bbb\n");
+    EXPECT_EQ(noTorch.device.back->configurationLocks(), 0);
 }
 
 } // namespace

@@ -32,6 +32,11 @@ struct ScreenRow
     const char* afterDevam; ///< null: there is no "Devam"
 };
 
+void PrintTo(const ScreenRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
 class Screens : public testing::TestWithParam<ScreenRow>
 { };
 
@@ -111,6 +116,11 @@ struct NextRow
     ViewType next;
     bool finish;
 };
+
+void PrintTo(const NextRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
 
 class Next : public testing::TestWithParam<NextRow>
 { };

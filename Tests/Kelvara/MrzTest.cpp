@@ -39,6 +39,41 @@ struct ToldLines final : TextRectangleDetector
     mutable std::atomic<int> performed { 0 };
 };
 
+struct BandRow
+{
+    const char* name;
+    QList<QRectF> lines; ///< Of the whole, origin bottom-left.
+    QRectF band; ///< Of 1000 × 500 pixels, origin top-left.
+};
+
+TEST(MrzBand, LiesAroundTheLongLines)
+{
+    const QRectF upper(0.05, 0.25, 0.9, 0.1);
+    const QRectF lower(0.0625, 0.125, 0.875, 0.0625);
+    const QRectF both(50, 325, 900, 112.5);
+    const BandRow rows[] = {
+        { "no line", {}, {} },
+        { "one line", { lower }, { 62.5, 406.25, 875, 31.25 } },
+        { "two lines", { upper, lower }, both },
+        { "in another order", { lower, upper }, both },
+        { "with short lines elsewhere", { { 0.1, 0.9, 0.5, 0.05 }, lower, { 0, 0, 0.8, 0.01 }, upper }, both },
+        { "exactly four fifths of the width", { { 0.1, 0.1, 0.8, 0.1 } }, {} },
+        { "a little more", { { 0.1, 0.5, 0.801, 0.25 } }, { 100, 125, 801, 125 } },
+        { "exactly two fifths of the height", { { 0, 0.5, 1, 0.4 } }, { 0, 50, 1000, 200 } },
+        { "a little more", { { 0, 0.5, 1, 0.4001 } }, {} },
+        { "too far apart", { { 0, 0.125, 1, 0.125 }, { 0, 0.5, 1, 0.125 } }, {} },
+    };
+    for (const BandRow& row : rows) {
+        std::vector<VNTextObservation> lines;
+        for (const QRectF& box : row.lines)
+            lines.emplace_back().boundingBox = box;
+        const QRectF band = QorvelKycViewPrivate::mrzBand(lines, { 1000, 500 });
+        EXPECT_EQ(band.isNull(), row.band.isNull()) << row.name;
+        EXPECT_TRUE(band == row.band) << row.name << ' ' << band.x() << ' ' << band.y() << ' ' << band.width() << ' '
+                                      << band.height();
+    }
+}
+
 /// A phone with a contactless reader whose back camera sees a card's back.
 class MrzStep : public testing::Test
 {

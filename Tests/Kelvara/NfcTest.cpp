@@ -5,12 +5,11 @@
 #include "Kelvara/SdkModel.h"
 #include "Platform/Chip/PassportReader.h"
 #include "Platform/Chip/sheet/ReaderSheet.h"
+#include "Platform/Chip/sheet/SheetText.h"
 #include "Platform/Chip/software/SoftwareTerminal.h"
 #include "Platform/Mrz/QKMRZResult.h"
 #include "Tests/Support/AccessWatch.h"
 #include "Tests/Support/KycHarness.h"
-
-#include <QLabel>
 
 #include <gtest/gtest.h>
 
@@ -70,12 +69,12 @@ protected:
     }
     void press() { QTest::mouseClick(stage->d().nfcReadButton, Qt::LeftButton); }
     [[nodiscard]] chip::ReaderSheet* sheet() const { return stage->view->window()->findChild<chip::ReaderSheet*>(); }
-    [[nodiscard]] bool sheetSays(const QString& words) const
+    /// The whole message below the sheet's title.
+    [[nodiscard]] QString sheetText() const
     {
-        const auto labels = sheet() ? sheet()->findChildren<QLabel*>() : QList<QLabel*>();
-        return std::any_of(labels.begin(), labels.end(), [&words](const QLabel* label) {
-            return label->text().contains(words);
-        }) || (sheet() && sheet()->accessibleDescription().contains(words));
+        const auto* message
+            = sheet() ? sheet()->findChild<chip::sheet::SheetText*>(QStringLiteral("message")) : nullptr;
+        return message ? message->text() : QString();
     }
     /// Waits for the read to end without anybody being told.
     [[nodiscard]] bool ended() const
@@ -176,10 +175,22 @@ TEST_F(NfcStep, SaysItsOwnWordsWhileItReads)
     open();
     acceptZone();
     press();
-    EXPECT_TRUE(spinUntil([&] { return sheetSays(text("IPhone'unuzu NFC özellikli bir Kimlik Kartının yakınında")); }));
+    const QString request = text("IPhone'unuzu NFC özellikli bir Kimlik Kartının yakınında tutun.");
+    EXPECT_TRUE(spinUntil([&] { return sheetText() == request; })) << sheetText().toStdString();
+    QStringList loading; // with every bar that there is
+    for (int percent = 0; percent <= 100; percent += 20)
+        loading << text("Yükleniyor lütfen bekleyiniz...\n") + QorvelKycViewPrivate::handleProgress(percent);
+    QStringList seen;
     terminal->place(chipOf(slow));
-    EXPECT_TRUE(spinUntil([&] { return sheetSays(text("Yükleniyor lütfen bekleyiniz...")); }));
-    EXPECT_TRUE(spinUntil([&] { return sheetSays(text("Kimlik Kartı Başarıyla okundu.")); }));
+    EXPECT_TRUE(spinUntil([&] {
+        const QString now = sheetText();
+        if (now.startsWith(text("Yükleniyor")) && !seen.contains(now))
+            seen << now;
+        return now == text("Kimlik Kartı Başarıyla okundu.");
+    }));
+    EXPECT_FALSE(seen.isEmpty());
+    for (const QString& shown : seen)
+        EXPECT_TRUE(loading.contains(shown)) << shown.toStdString();
 }
 
 TEST_F(NfcStep, CancelledOnTheSheetIsAFailedRead)
@@ -260,6 +271,12 @@ TEST_F(NfcStep, ZonesWithoutDatesAreAHardStop)
     zone.expiryDate.reset();
     acceptZone(zone);
     EXPECT_DEATH(stage->d().nfcReadInput(), "Fatal error: The MRZ has no date of expiry");
+}
+
+TEST_F(NfcStep, AHostIsNeverToldOfAReadWithoutData)
+{
+    open();
+    EXPECT_DEATH(stage->d().callResultScreen(std::make_shared<IDCardUtil>(nullptr)), "There is no chip data to report");
 }
 
 TEST(NfcProgress, IsFiveCircles)

@@ -41,6 +41,17 @@ TEST_P(Cutouts, LieInTheMiddle)
     };
     expectEqual(*card.cutoutRect, row.card);
     expectEqual(*oval.overlayFrame, row.oval);
+    QPainterPath cardOutline;
+    cardOutline.addRoundedRect(*card.cutoutRect, 3, 3);
+    QPainterPath ovalOutline;
+    ovalOutline.addEllipse(*oval.overlayFrame);
+    for (auto [overlay, outline] :
+        { std::pair<DimmingOverlay*, QPainterPath>(&card, cardOutline), { &oval, ovalOutline } }) {
+        EXPECT_EQ(overlay->firstSublayer()->path(), outline);
+        outline.addRect(overlay->rect());
+        outline.setFillRule(Qt::OddEvenFill);
+        EXPECT_EQ(overlay->maskLayer()->path(), outline);
+    }
     EXPECT_EQ(card.sublayers().size(), 1U);
     card.draw({});
     EXPECT_EQ(card.sublayers().size(), 1U);

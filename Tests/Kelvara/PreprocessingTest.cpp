@@ -94,18 +94,14 @@ TEST(FilterVendor, DescribesTheFilter)
     { };
     EXPECT_EQ(Derived().attributes().value(QLatin1String(kCIAttributeFilterDisplayName)), QStringLiteral("Derived"));
     const QVariantMap attributes = LuminanceThresholdFilter().attributes();
-    ASSERT_EQ(attributes.size(), 3);
-    EXPECT_EQ(
-        attributes.value(QLatin1String(kCIAttributeFilterDisplayName)), QStringLiteral("LuminanceThresholdFilter"));
-    const QVariantMap image = attributes.value(QStringLiteral("inputImage")).toMap();
-    EXPECT_EQ(image.size(), 4);
-    EXPECT_EQ(image.value(QLatin1String(kCIAttributeType)), QLatin1String(kCIAttributeTypeImage));
-    const QVariantMap threshold = attributes.value(QStringLiteral("inputThreshold")).toMap();
-    EXPECT_EQ(threshold.size(), 8);
-    EXPECT_EQ(threshold.value(QLatin1String(kCIAttributeIdentity)), QVariant(0));
-    EXPECT_EQ(threshold.value(QLatin1String(kCIAttributeDefault)), QVariant(0.5));
-    EXPECT_EQ(threshold.value(QLatin1String(kCIAttributeSliderMax)), QVariant(1));
-    EXPECT_EQ(threshold.value(QLatin1String(kCIAttributeClass)), QStringLiteral("NSNumber"));
+    const QVariantMap image { { "CIAttributeIdentity", 0 }, { "CIAttributeClass", "CIImage" },
+        { "CIAttributeDisplayName", "Image" }, { "CIAttributeType", "CIAttributeTypeImage" } };
+    const QVariantMap threshold { { "CIAttributeIdentity", 0 }, { "CIAttributeClass", "NSNumber" },
+        { "CIAttributeDefault", 0.5 }, { "CIAttributeDisplayName", "Threshold" }, { "CIAttributeMin", 0 },
+        { "CIAttributeSliderMin", 0 }, { "CIAttributeSliderMax", 1 }, { "CIAttributeType", "CIAttributeTypeScalar" } };
+    EXPECT_EQ(attributes,
+        (QVariantMap { { "CIAttributeFilterDisplayName", "LuminanceThresholdFilter" }, { "inputImage", image },
+            { "inputThreshold", threshold } }));
 }
 
 TEST(PreprocessImage, MakesUniformBandsAllOfOneColour)

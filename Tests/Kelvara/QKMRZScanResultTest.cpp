@@ -102,22 +102,40 @@ TEST(QKMRZScanResult, KeepsWhatItWasToldOrDidNotFind)
     EXPECT_FALSE(empty.faceImage());
 }
 
-TEST(QKMRZScanResult, CopiesTheFieldsAndFindsThePortraitOfACard)
+TEST(QKMRZScanResult, CopiesEveryFieldAsItIs)
 {
     QKMRZResult parsed;
+    parsed.documentType = QStringLiteral("I");
+    parsed.countryCode = QStringLiteral("TUR");
     parsed.surnames = QStringLiteral("YILMAZ");
+    parsed.givenNames = QStringLiteral("AYSE NUR");
     parsed.documentNumber = QStringLiteral("A12<34567");
+    parsed.nationality = QStringLiteral("D");
     parsed.birthDate = QDate(1985, 8, 9);
-    parsed.personalNumber2 = QString();
+    parsed.sex = QStringLiteral("F");
+    parsed.expiryDate = QDate(2031, 2, 3);
+    parsed.personalNumber = QStringLiteral("10000000146");
+    parsed.personalNumber2 = QStringLiteral("X");
+    const QKMRZScanResult result(parsed, UIImage());
+    EXPECT_EQ(result.documentType, parsed.documentType);
+    EXPECT_EQ(result.countryCode, parsed.countryCode);
+    EXPECT_EQ(result.surnames, parsed.surnames);
+    EXPECT_EQ(result.givenNames, parsed.givenNames);
+    EXPECT_EQ(result.documentNumber, parsed.documentNumber);
+    EXPECT_EQ(result.nationality, parsed.nationality);
+    EXPECT_EQ(result.birthDate, parsed.birthDate);
+    EXPECT_EQ(result.sex, parsed.sex);
+    EXPECT_EQ(result.expiryDate, parsed.expiryDate);
+    EXPECT_EQ(result.personalNumber, parsed.personalNumber);
+    EXPECT_EQ(result.personalNumber2, parsed.personalNumber2);
+}
+
+TEST(QKMRZScanResult, FindsThePortraitOfACard)
+{
     const QImage card = specimen::printFront(specimen::SpecimenData::fromSeed(3), 1400);
     ASSERT_FALSE(card.isNull());
-    QKMRZScanResult result(parsed, card);
-    EXPECT_EQ(result.surnames, parsed.surnames);
-    EXPECT_EQ(result.documentNumber, parsed.documentNumber);
-    EXPECT_EQ(result.birthDate, parsed.birthDate);
-    EXPECT_EQ(result.expiryDate, std::nullopt);
-    EXPECT_EQ(result.sex, std::nullopt);
-    EXPECT_EQ(result.personalNumber2, parsed.personalNumber2);
+    QKMRZScanResult result({}, card);
+    EXPECT_FALSE(result.birthDate || result.sex || result.expiryDate || result.personalNumber2);
     const auto face = result.faceImage();
     ASSERT_TRUE(face);
     EXPECT_LT(face->size().width(), card.width() / 2);

@@ -1,3 +1,5 @@
+#include "Kelvara/IDCardUtil.h"
+#include "Platform/Chip/NFCPassportModel.h"
 #include "Tests/Support/KycHarness.h"
 
 #include <QFile>
@@ -20,6 +22,16 @@ void bringAbout(Stage& stage, const QString& call)
     if (call == QLatin1String("close")) {
         stage.setSteps({ nfcRead });
         QTest::mouseClick(stage.d().closeButton, Qt::LeftButton);
+        return;
+    }
+    if (call == QLatin1String("nfc")) {
+        stage.setSteps({ nfcRead, idPhoto });
+        const auto passport = std::make_shared<NFCPassportModel>();
+        passport->faceImage = QImage(4, 4, QImage::Format_RGB32);
+        const auto holder = std::make_shared<IDCardUtil>(nullptr);
+        holder->setPassport(passport);
+        stage.d().onMain([&d = stage.d(), holder] { d.setIDCard(holder); }); // as at the end of a read
+        settle();
         return;
     }
     stage.setSteps(call == QLatin1String("selfie") ? QList<ViewType> { selfie } : QList<ViewType> { idPhoto, selfie });
@@ -62,7 +74,7 @@ TEST_P(InsideACallback, NewStepsMayBeSet)
     ASSERT_TRUE(once);
     // Where the flow moves on by itself right after the call, it moves on in the new list.
     const QString call = QString::fromLatin1(GetParam());
-    const bool movesOn = call == QLatin1String("back") || call == QLatin1String("selfie");
+    const bool movesOn = QStringList { "back", "selfie", "nfc" }.contains(call);
     const ViewType expected = movesOn ? selfie : call == QLatin1String("jitsi") ? jitsi : nfcRead;
     EXPECT_EQ(stage.d().selectedViewType, expected);
 }
@@ -80,7 +92,7 @@ TEST_P(InsideACallback, TheDelegateMayGoAway)
     QTest::mouseClick(stage.d().closeButton, Qt::LeftButton);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, InsideACallback, testing::Values("front", "back", "selfie", "jitsi", "close"),
+INSTANTIATE_TEST_SUITE_P(All, InsideACallback, testing::Values("front", "back", "selfie", "nfc", "jitsi", "close"),
     [](const auto& row) { return std::string(row.param); });
 
 TEST(RoughHandling, TwoHundredStepChangesASecondWhileFramesArrive)

@@ -53,6 +53,11 @@ struct ScriptRow
     const char* events; ///< In their order.
 };
 
+void PrintTo(const ScriptRow& row, std::ostream* out)
+{
+    *out << row.file;
+}
+
 class Scripts : public testing::TestWithParam<ScriptRow>
 { };
 
@@ -105,9 +110,15 @@ TEST(Session, AWaitInVainEndsIt)
 
 struct DeviceRow
 {
+    const char* name;
     const char* device;
     const char* event; ///< That it brings about.
 };
+
+void PrintTo(const DeviceRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
 
 class Devices : public testing::TestWithParam<DeviceRow>
 { };
@@ -121,9 +132,11 @@ TEST_P(Devices, AreAsTheScriptSays)
 }
 
 INSTANTIATE_TEST_SUITE_P(Replay, Devices,
-    testing::Values(DeviceRow { R"("cameras": false)", "step:noBackCamera" },
-        DeviceRow { R"("forceNfc": true, "reader": false)", "step:nfcRequired" },
-        DeviceRow { R"("calls": false)", "call:terminated" }, DeviceRow { R"("reader": true)", "call:terminated" }));
+    testing::Values(DeviceRow { "noCameras", R"("cameras": false)", "step:noBackCamera" },
+        DeviceRow { "noReader", R"("forceNfc": true, "reader": false)", "step:nfcRequired" },
+        DeviceRow { "noCalls", R"("calls": false)", "call:terminated" },
+        DeviceRow { "all", R"("reader": true)", "call:terminated" }),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Recorder, HoldsWordsAfterTheViewsEndAgainstIt)
 {

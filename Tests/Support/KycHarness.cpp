@@ -11,9 +11,11 @@ namespace {
 struct ToldRectangles final : RectangleDetector
 {
     explicit ToldRectangles(std::shared_ptr<ToldDetectors::Told> t) : told(std::move(t)) { }
-    std::vector<VNRectangleObservation> detect(const VisionImage& image, const RectangleLimits&) const override
+    std::vector<VNRectangleObservation> detect(const VisionImage& image, const RectangleLimits& limits) const override
     {
         ++told->performed;
+        ++told->cardSearches;
+        told->limits.store(limits);
         told->lastWidth = image.size().width();
         told->lastHeight = image.size().height();
         if (told->delayMs)
@@ -37,6 +39,7 @@ struct ToldFaces final : FaceDetector
     std::vector<VNFaceObservation> detect(const VisionImage& image) const override
     {
         ++told->performed;
+        ++told->faceSearches;
         told->lastWidth = image.size().width();
         told->lastHeight = image.size().height();
         if (!told->face)

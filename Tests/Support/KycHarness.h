@@ -6,6 +6,7 @@
 #include "Platform/Chip/NFCReaderSession.h"
 #include "Platform/Conference/ConferenceService.h"
 #include "Platform/Foundation/UserDefaults.h"
+#include "Platform/Vision/VNDetectRectanglesRequest.h"
 #include "Platform/Vision/VisionDetectors.h"
 
 #include <QAbstractButton>
@@ -40,7 +41,10 @@ struct ToldDetectors
         std::atomic<bool> card { false };
         std::atomic<bool> face { false };
         std::atomic<int> delayMs { 0 };
-        std::atomic<int> performed { 0 };
+        std::atomic<int> performed { 0 }; ///< Both searches together.
+        std::atomic<int> cardSearches { 0 };
+        std::atomic<int> faceSearches { 0 };
+        Guarded<std::optional<RectangleLimits>> limits; ///< Of the last search for a card.
         std::atomic<int> lastWidth { 0 };
         std::atomic<int> lastHeight { 0 };
     };
@@ -127,6 +131,7 @@ struct Device
 
     static std::shared_ptr<ReplayCamera> camera(AVCaptureDevicePosition position, ReplayCameraOptions options = {});
     static Device phone();
+    static Device withoutCameras() { return {}; }
     [[nodiscard]] PlatformServices services() const;
 };
 
