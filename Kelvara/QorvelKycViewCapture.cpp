@@ -125,8 +125,7 @@ void QorvelKycViewPrivate::stopScanning()
 
 void QorvelKycViewPrivate::appDidEnterBackground()
 {
-    // The session itself is asked too: `isScanning` follows it a turn of the event loop later.
-    if (!isScanning && !captureSession->isRunning())
+    if (!isScanning)
         return;
     isScanningPaused = true;
     stopScanning();

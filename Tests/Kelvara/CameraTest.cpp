@@ -83,9 +83,8 @@ TEST_F(Background, MayComeInTheTurnOfCreation)
     ASSERT_TRUE(stage.d().captureSession->isRunning()) << "although the view does not know it yet";
     tell(Qt::ApplicationHidden);
     EXPECT_FALSE(stage.d().captureSession->isRunning());
-    stage.setSteps({ idPhoto });
-    EXPECT_FALSE(stage.view->isScanning());
     tell(Qt::ApplicationActive);
+    stage.setSteps({ idPhoto });
     EXPECT_TRUE(spinUntil([&] { return stage.view->isScanning(); }));
     EXPECT_TRUE(delivers(stage));
 }

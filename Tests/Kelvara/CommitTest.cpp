@@ -29,11 +29,11 @@ struct Side
     std::optional<QString> SdkModel::*cropText;
 };
 
-constexpr Side kFront { &SdkModel::idFrontImage, &SdkModel::base64_idFrontImage, &SdkModel::autoCropped_idFrontImage,
-    &SdkModel::base64_autoCropped_idFrontImage };
-constexpr Side kBack { &SdkModel::idBackImage, &SdkModel::base64_idBackImage, &SdkModel::autoCropped_idBackImage,
+constexpr Side kFrontSide { &SdkModel::idFrontImage, &SdkModel::base64_idFrontImage,
+    &SdkModel::autoCropped_idFrontImage, &SdkModel::base64_autoCropped_idFrontImage };
+constexpr Side kBackSide { &SdkModel::idBackImage, &SdkModel::base64_idBackImage, &SdkModel::autoCropped_idBackImage,
     &SdkModel::base64_autoCropped_idBackImage };
-constexpr Side kSelfie { &SdkModel::selfieImage, &SdkModel::base64_selfieImage, &SdkModel::autoCropped_selfieImage,
+constexpr Side kSelfieSide { &SdkModel::selfieImage, &SdkModel::base64_selfieImage, &SdkModel::autoCropped_selfieImage,
     &SdkModel::base64_autoCropped_selfieImage };
 
 /// The record holds of a side what the host was handed.
@@ -91,9 +91,9 @@ TEST(Commit, TheWholeFlowReachesTheHost)
         EXPECT_LT(photo.crop.size().width(), photo.image.size().width()) << "the crop is a part of the photograph";
     }
     const SdkModel& record = *stage.d().sdkModel;
-    EXPECT_TRUE(holds(record, kFront, stage.delegate.photos[0]));
-    EXPECT_TRUE(holds(record, kBack, stage.delegate.photos[1]));
-    EXPECT_TRUE(holds(record, kSelfie, stage.delegate.photos[2]));
+    EXPECT_TRUE(holds(record, kFrontSide, stage.delegate.photos[0]));
+    EXPECT_TRUE(holds(record, kBackSide, stage.delegate.photos[1]));
+    EXPECT_TRUE(holds(record, kSelfieSide, stage.delegate.photos[2]));
     EXPECT_FALSE(record.mrzInfo || record.nfcData || record.mrzImage);
 
     QTest::mouseClick(stage.d().closeButton, Qt::LeftButton);
@@ -110,8 +110,8 @@ TEST(Commit, ARecordHoldsNothingOfStepsThatDidNotRun)
             return;
         told = true;
         const SdkModel& record = *stage.delegate.record;
-        EXPECT_TRUE(holds(record, kSelfie, stage.delegate.photos.back()));
-        EXPECT_TRUE(holdsNothing(record, kFront) && holdsNothing(record, kBack));
+        EXPECT_TRUE(holds(record, kSelfieSide, stage.delegate.photos.back()));
+        EXPECT_TRUE(holdsNothing(record, kFrontSide) && holdsNothing(record, kBackSide));
         EXPECT_FALSE(record.mrzInfo || record.mrzImage || record.nfcData);
     };
     stage.setSteps({ selfie, jitsi });
@@ -141,8 +141,8 @@ TEST(Commit, ARepeatedCardStepTakesTheFrontAnew)
     ASSERT_TRUE(stage.shoot());
     EXPECT_EQ(stage.delegate.calls, (QStringList { "front", "back", "front" }));
     EXPECT_EQ(QImage(stage.delegate.photos.back().image).pixelColor(9, 9), QColor(Qt::white));
-    EXPECT_TRUE(holds(*stage.d().sdkModel, kFront, stage.delegate.photos.back()));
-    EXPECT_TRUE(holds(*stage.d().sdkModel, kBack, stage.delegate.photos[1]));
+    EXPECT_TRUE(holds(*stage.d().sdkModel, kFrontSide, stage.delegate.photos.back()));
+    EXPECT_TRUE(holds(*stage.d().sdkModel, kBackSide, stage.delegate.photos[1]));
 }
 
 TEST(Commit, WithoutADelegateTheFlowStillRunsToItsEnd)

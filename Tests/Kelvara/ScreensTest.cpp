@@ -22,6 +22,8 @@ QString stackOf(const Stage& stage)
         { d.informationLabel, "information" }, { d.informationNextButton, "next" } };
     QStringList seen;
     for (const QObject* child : stage.view->children()) {
+        if (child == d.announcer) // for those who do not see
+            continue;
         const auto* control = qobject_cast<const QWidget*>(child);
         if (control && stage.isShown(control))
             seen << names.value(control, QString::fromLatin1(child->metaObject()->className()));
