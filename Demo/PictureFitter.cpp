@@ -36,7 +36,8 @@ std::vector<QTransform> looks(const QSizeF& picture, double zoom)
         const int rows = places(spare.height(), part.height());
         for (int i = 0; i < columns * rows; ++i) {
             const double x = spare.width() * (columns == 1 ? 0.5 : (i % columns) / 2.0);
-            const double y = spare.height() * (rows == 1 ? 0.5 : (i / columns) / 2.0);
+            const int row = i / columns;
+            const double y = spare.height() * (rows == 1 ? 0.5 : row / 2.0);
             QTransform look = QTransform::fromTranslate(-x, -y) * QTransform::fromScale(scale, scale);
             if (turned)
                 look = look * QTransform().rotate(90) * QTransform::fromTranslate(kLook.width(), 0);

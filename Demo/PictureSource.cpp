@@ -40,7 +40,7 @@ std::optional<QString> PictureSource::open()
     if (!file.exists())
         return QStringLiteral("There is no file or folder \"%1\".").arg(m_path);
     const ReplaySource source = ReplaySource::path(m_path);
-    if (const auto problem = source.problem())
+    if (auto problem = source.problem())
         return problem;
 
     m_moves = file.isDir() || !QImageReader(m_path).canRead();

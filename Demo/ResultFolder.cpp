@@ -75,7 +75,7 @@ void ResultFolder::writeFile(const QString& name, const QByteArray& bytes)
 
 QString ResultFolder::write(const QString& kind, const QString& name, const QImage& image)
 {
-    const QString file = nextName(kind, name);
+    QString file = nextName(kind, name);
     writeFile(file, UIImagePNGRepresentation(UIImage(image)).value_or(QByteArray()));
     return file;
 }

@@ -17,7 +17,7 @@ std::optional<QImage> cgImage(const CVPixelBuffer& buffer)
         owner.get());
     if (image.isNull())
         return std::nullopt;
-    owner.release(); // the image's now
+    static_cast<void>(owner.release()); // the image's now
     buffer.unlockBaseAddress();
     return image;
 }

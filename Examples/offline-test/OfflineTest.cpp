@@ -64,6 +64,7 @@ private Q_SLOTS:
         const auto reader = std::make_shared<SoftwareTerminal>();
         PlatformServices services = PlatformServices::native();
         services.cameras = std::make_shared<ReplayCameraProvider>(camera,
+            // A view wants both cameras, also for the card alone.
             std::make_shared<ReplayCamera>(ReplaySource::still(QImage(100, 100, QImage::Format_RGB32)),
                 ReplayCameraOptions { .position = AVCaptureDevicePosition::Front }));
         services.nfc = NFCReaderSession::of(reader);

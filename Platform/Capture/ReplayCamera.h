@@ -141,7 +141,8 @@ class KELVARA_EXPORT ReplayCameraProvider final : public CameraProvider
 {
 public:
     ReplayCameraProvider() = default;
-    /// Either may be null: a device without that camera.
+    /// Either may be null: a device without that camera. A view starts its cameras only where it has both, whatever
+    /// its steps are: hosts' tests of a card alone give a still to the front camera.
     ReplayCameraProvider(std::shared_ptr<AVCaptureDevice> back, std::shared_ptr<AVCaptureDevice> front);
 
     [[nodiscard]] std::shared_ptr<AVCaptureDevice> defaultDevice(

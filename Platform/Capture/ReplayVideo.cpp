@@ -48,7 +48,7 @@ struct VideoSource final : ReplaySource::Data
 {
     struct Reader final : ReplayReader
     {
-        explicit Reader(cv::VideoCapture video) : capture(std::move(video)) { }
+        explicit Reader(const cv::VideoCapture& video) : capture(video) { }
         QImage next(std::int64_t, std::chrono::microseconds) override { return nextFrame(capture, frame); }
         cv::VideoCapture capture;
         cv::Mat frame;

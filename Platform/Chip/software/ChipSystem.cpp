@@ -137,7 +137,7 @@ ResponseApdu ChipSystem::answerProtected(const CommandApdu& command, bool isExte
         endSession();
         return trace.response;
     }
-    const ResponseApdu answer = m_session->protect(trace.response);
+    ResponseApdu answer = m_session->protect(trace.response);
     beginAgreedSession();
     return answer;
 }
