@@ -272,8 +272,11 @@ void ControlButton::changeEvent(QEvent* event)
     if (!isEnabled()) {
         m_awaitsFocus = std::exchange(m_losesFocusDisabled, false);
         m_focusHeir = QApplication::focusWidget();
-    } else if (const bool returns = awaitsFocus(); std::exchange(m_awaitsFocus, false) && isVisible() && returns) {
-        setFocus(m_showsFocus ? Qt::TabFocusReason : Qt::MouseFocusReason);
+    } else {
+        const bool returns = awaitsFocus();
+        m_awaitsFocus = false;
+        if (returns && isVisible())
+            takeFocus(m_showsFocus);
     }
 }
 

@@ -6,7 +6,6 @@
 //   taskset -c 1 kelvara-evaluate-frames [seconds for each step = 10]
 
 #include "Kelvara/QorvelKycView.h"
-#include "Platform/Chip/NFCReaderSession.h"
 #include "Platform/Vision/VisionDetectors.h"
 #include "Tools/Evaluate/HeldSubject.h"
 
@@ -24,11 +23,6 @@ using namespace kelvara;
 using namespace kelvara::evaluate;
 
 namespace {
-
-struct ContactlessPhone final : NFCReaderSession
-{
-    [[nodiscard]] bool readingAvailable() const override { return true; }
-};
 
 /// The library's own search for faces, which every analysed frame of the three steps ends with.
 class CountingFaces final : public FaceDetector
@@ -78,7 +72,6 @@ void run(const char* name, ViewType step, specimen::Subject subject, int seconds
     PlatformServices services = phoneSeeing(
         ReplaySource::generator([&](std::int64_t index, std::chrono::microseconds) { return frameOf(film, index); }),
         film.front());
-    services.nfc = std::make_shared<ContactlessPhone>();
     const auto counter = std::make_shared<CountingFaces>(services.imageAnalysis->faces);
     auto detectors = std::make_shared<VisionDetectors>(*services.imageAnalysis);
     detectors->faces = counter;

@@ -6,7 +6,6 @@
 #include "Kelvara/QKMRZScanResult.h"
 #include "Kelvara/QorvelKycView.h"
 #include "Kelvara/SdkModel.h"
-#include "Platform/Chip/NFCReaderSession.h"
 #include "Tools/Evaluate/HeldSubject.h"
 #include "Tools/Evaluate/RectangleScenes.h"
 
@@ -26,11 +25,6 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 constexpr int kLongestMilliseconds = 3000;
-
-struct ContactlessPhone final : NFCReaderSession
-{
-    [[nodiscard]] bool readingAvailable() const override { return true; }
-};
 
 struct Host final : QorvelKycViewDelegate
 {
@@ -71,7 +65,6 @@ Outcome play(const specimen::SpecimenData& data)
         return frameOf(frames, index - before);
     };
     PlatformServices services = phoneSeeing(ReplaySource::generator(picture), empty);
-    services.nfc = std::make_shared<ContactlessPhone>();
 
     Host host;
     QorvelKycView view(QRectF(QPointF(), kView), services);

@@ -2,6 +2,7 @@
 
 #include "Demo/ScanAreas.h"
 #include "Platform/Capture/ReplayCamera.h"
+#include "Platform/Chip/NFCReaderSession.h"
 #include "Platform/PlatformServices.h"
 #include "Tools/Evaluate/TextScenes.h"
 
@@ -41,7 +42,12 @@ inline constexpr double kFramesPerSecond = 30;
     return film[static_cast<std::size_t>(place < count ? place : 2 * count - 2 - place)];
 }
 
-/// A phone whose back camera shows what the generator makes, and whose front camera a still.
+struct ContactlessReader final : NFCReaderSession
+{
+    [[nodiscard]] bool readingAvailable() const override { return true; }
+};
+
+/// A phone with a contactless reader whose back camera shows what the generator makes, and whose front camera a still.
 [[nodiscard]] inline PlatformServices phoneSeeing(ReplaySource back, const QImage& front)
 {
     ReplayCameraOptions options;
@@ -49,6 +55,7 @@ inline constexpr double kFramesPerSecond = 30;
     PlatformServices services = PlatformServices::native();
     services.cameras = std::make_shared<ReplayCameraProvider>(std::make_shared<ReplayCamera>(std::move(back)),
         std::make_shared<ReplayCamera>(ReplaySource::still(front), options));
+    services.nfc = std::make_shared<ContactlessReader>();
     services.userDefaults = nullptr;
     return services;
 }
