@@ -91,7 +91,7 @@ void QorvelKycViewPrivate::watchCall(JitsiMeetView* call)
 void QorvelKycViewPrivate::settleFocusOfCall()
 {
     QWidget* covering = nullptr;
-    for (JitsiMeetView* call : q->findChildren<JitsiMeetView*>(QString(), Qt::FindDirectChildrenOnly)) {
+    for (JitsiMeetView* call : callViews()) {
         if (call->isOccupied() && !call->isHidden())
             covering = call;
     }

@@ -103,12 +103,17 @@ void QorvelKycViewPrivate::cleanUp()
     add_removeJitsiView(false);
 }
 
+QList<JitsiMeetView*> QorvelKycViewPrivate::callViews() const
+{
+    return q->findChildren<JitsiMeetView*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
 void QorvelKycViewPrivate::settleCall()
 {
     if (selectedViewType == ViewType::jitsi && jitsiMeetView->isInConference())
         return;
     jitsiMeetView->leave();
-    for (JitsiMeetView* call : q->findChildren<JitsiMeetView*>(QString(), Qt::FindDirectChildrenOnly))
+    for (JitsiMeetView* call : callViews())
         call->hide();
 }
 
@@ -117,7 +122,7 @@ void QorvelKycViewPrivate::raiseCall()
     if (!jitsiMeetView->isInConference())
         return;
     add_removeJitsiInfoViews(false);
-    for (JitsiMeetView* call : q->findChildren<JitsiMeetView*>(QString(), Qt::FindDirectChildrenOnly))
+    for (JitsiMeetView* call : callViews())
         call->raise();
 }
 

@@ -36,7 +36,7 @@ void QorvelKycViewPrivate::setTextScale(double scale)
         return;
     textScale = std::clamp(scale, 1.0, kLargestTextScale);
     idCardReader->setSheetTextScale(textScale);
-    for (JitsiMeetView* call : q->findChildren<JitsiMeetView*>(QString(), Qt::FindDirectChildrenOnly))
+    for (JitsiMeetView* call : callViews())
         call->setTextScale(textScale);
     layoutScreen();
 }
@@ -75,7 +75,7 @@ void QorvelKycViewPrivate::layoutScreen()
     videoPreviewLayer->setFrame(QRectF(q->rect()));
     for (QWidget* filling : { static_cast<QWidget*>(cutoutView), static_cast<QWidget*>(cutoutSelfieView) })
         filling->setGeometry(q->rect());
-    for (JitsiMeetView* call : q->findChildren<JitsiMeetView*>(QString(), Qt::FindDirectChildrenOnly))
+    for (JitsiMeetView* call : callViews())
         call->setGeometry(q->rect());
 
     closeButton->setGeometry(width - 20 - 24, 20, 24, 24);

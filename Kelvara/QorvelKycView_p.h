@@ -207,6 +207,8 @@ public:
     void conferenceJoined(const std::optional<QVariantMap>& data) override;
     void conferenceTerminated(const std::optional<QVariantMap>& data) override;
     void cleanUp();
+    /// The one on the screen and all that were joined.
+    [[nodiscard]] QList<JitsiMeetView*> callViews() const;
     /// The screen changes: a call belongs to its step, and nothing that earlier calls left may cover the next screen.
     void settleCall();
     /// A call that goes on lies over whatever screen was composed for its step.
