@@ -19,6 +19,12 @@ CallScene::CallScene(DemoHost& host, std::unique_ptr<CallDesk> desk, std::functi
     host.view().setDidConferenceTerminated([this](const std::optional<QVariantMap>& data) { ended(data); });
 }
 
+bool CallScene::isPeoplesTurn() const
+{
+    return m_moment == Moment::Waiting || m_moment == Moment::Talking
+        || (m_moment == Moment::Ending && m_timer.isActive());
+}
+
 void CallScene::enter(Moment moment)
 {
     m_moment = moment;

@@ -22,6 +22,9 @@ public:
     /// `ownPicture`: what the person looks like, asked when the call begins; null for the device's own camera.
     CallScene(DemoHost& host, std::unique_ptr<CallDesk> desk, std::function<QImage()> ownPicture);
 
+    /// Whether the view waits for the bank to arrange the call, or for those who talk in it.
+    [[nodiscard]] bool isPeoplesTurn() const;
+
     /// For result.json: what the desk saw and how long joining took; empty before the call was joined.
     [[nodiscard]] QJsonObject report() const { return m_report; }
 

@@ -53,20 +53,9 @@ CardMovie::Act CardMovie::actAt(std::chrono::microseconds time)
     return m_act;
 }
 
-QImage& CardMovie::freeImage()
-{
-    const auto free = std::find_if(
-        m_images.begin(), m_images.end(), [](const QImage& image) { return image.isNull() || image.isDetached(); });
-    QImage& image = free != m_images.end() ? *free : m_images.front();
-    if (image.isNull() || free == m_images.end())
-        image = QImage(m_frame, QImage::Format_ARGB32_Premultiplied);
-    return image;
-}
-
-QImage CardMovie::frame(std::chrono::microseconds time)
+void CardMovie::draw(QImage& image, std::chrono::microseconds time)
 {
     const Act act = actAt(time);
-    QImage& image = freeImage();
     QPainter painter(&image);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
 
@@ -78,11 +67,11 @@ QImage CardMovie::frame(std::chrono::microseconds time)
 
     if (act.settled && act.now) {
         drawWhole(painter, *act.now);
-        return image;
+        return;
     }
     drawBackdrop(painter);
     if (!act.now)
-        return image;
+        return;
     const double part = static_cast<double>((time - *act.begin).count()) / static_cast<double>(kArrivalTime.count());
     if (act.arrival == Arrival::TurnsOver) {
         const double width = std::max(0.01, std::abs(std::cos(part * std::numbers::pi)));
@@ -95,7 +84,6 @@ QImage CardMovie::frame(std::chrono::microseconds time)
         const double left = 0.5 * (1 + std::cos(part * std::numbers::pi));
         drawMoving(painter, *act.now, QTransform::fromTranslate(0, left * m_frame.height()));
     }
-    return image;
 }
 
 void CardMovie::drawBackdrop(QPainter& painter) const

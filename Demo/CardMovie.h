@@ -5,7 +5,6 @@
 #include <QPainterPath>
 #include <QTransform>
 
-#include <array>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -38,7 +37,7 @@ struct HandShake
 };
 
 /// A camera's picture, moment by moment: clips held in an unsteady hand, that come or are turned over. Any thread;
-/// `frame` is for one thread.
+/// `draw` is for one thread.
 class CardMovie
 {
 public:
@@ -52,8 +51,9 @@ public:
     /// Whether the clip shown last has arrived.
     [[nodiscard]] bool settled() const;
 
-    /// The picture at `time` since the camera's start.
-    [[nodiscard]] QImage frame(std::chrono::microseconds time);
+    /// Draws the picture at `time` since the camera's start, into an image of the frame's size.
+    void draw(QImage& image, std::chrono::microseconds time);
+    [[nodiscard]] QSize size() const { return m_frame; }
 
 private:
     struct Act
@@ -66,7 +66,6 @@ private:
     };
 
     [[nodiscard]] Act actAt(std::chrono::microseconds time);
-    [[nodiscard]] QImage& freeImage();
     void drawWhole(QPainter& painter, const MovieClip& clip) const;
     void drawBackdrop(QPainter& painter) const;
     void drawMoving(QPainter& painter, const MovieClip& clip, const QTransform& movement) const;
@@ -77,7 +76,6 @@ private:
 
     mutable std::mutex m_mutex; ///< Over `m_act` only.
     Act m_act;
-    std::array<QImage, 6> m_images; ///< Reused when nobody looks at them any more.
 };
 
 } // namespace kelvara::demo

@@ -124,6 +124,13 @@ void ChipHand::holdAfter(int milliseconds)
     m_stage.holdToReader();
 }
 
+bool ChipHand::isAwaited() const
+{
+    if (m_phase)
+        return (*m_phase == SheetPhase::Present || *m_phase == SheetPhase::PresentAgain) && !m_hasHeld;
+    return m_stepClock.isValid() && !m_hasPressed;
+}
+
 QString ChipHand::trouble() const
 {
     if (!m_failure.isEmpty())

@@ -22,6 +22,9 @@ public:
     /// Looks and acts. False when neither the step nor the reader's sheet is on the screen.
     bool look();
 
+    /// Whether the view waits for this hand: to begin the read, or to hold the card to the reader.
+    [[nodiscard]] bool isAwaited() const;
+
     /// What the screen has to say about a read that has not succeeded: the last failure or what is asked for. Empty
     /// before the step and after success.
     [[nodiscard]] QString trouble() const;

@@ -32,8 +32,7 @@ void drawScreen(QPainter& painter, const QRectF& place, const SheetEntry& screen
     outline.addRoundedRect(place, kCorner, kCorner);
     painter.save();
     painter.setClipPath(outline);
-    painter.drawImage(
-        place, screen.image.scaled(place.size().toSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    painter.drawImage(place, screen.image);
     painter.restore();
     painter.setPen(QPen(QColor(0, 0, 0, 40), 1.5));
     painter.setBrush(Qt::NoBrush);
@@ -47,6 +46,13 @@ void drawScreen(QPainter& painter, const QRectF& place, const SheetEntry& screen
 }
 
 } // namespace
+
+SheetEntry sheetEntry(const QString& name, const QImage& screen)
+{
+    QImage small = screen.scaledToWidth(kWidth, Qt::SmoothTransformation);
+    small.setDevicePixelRatio(1);
+    return { name, small };
+}
 
 QImage contactSheet(const QString& title, const QList<SheetEntry>& screens)
 {

@@ -36,6 +36,13 @@ qsizetype DemoHost::photographs() const
         [](const Delivery& delivery) { return delivery.method.startsWith(QLatin1String("didCapture")); });
 }
 
+QImage DemoHost::selfie() const
+{
+    const auto taken = std::find_if(m_deliveries.rbegin(), m_deliveries.rend(),
+        [](const Delivery& delivery) { return delivery.method == QLatin1String("didCaptureSelfiePhoto"); });
+    return taken == m_deliveries.rend() ? QImage() : QImage(taken->pictures.front().image);
+}
+
 QImage DemoHost::screen()
 {
     QImage image(size() * kPixelsPerPoint, QImage::Format_RGB32);

@@ -23,6 +23,8 @@ public:
     [[nodiscard]] const QList<Delivery>& deliveries() const { return m_deliveries; }
     /// How many of them brought photographs.
     [[nodiscard]] qsizetype photographs() const;
+    /// The last selfie; null before one was taken.
+    [[nodiscard]] QImage selfie() const;
     [[nodiscard]] qint64 elapsedMilliseconds() const { return m_clock.elapsed(); }
 
     /// What the card's chip said; absent before it was read.

@@ -1,7 +1,6 @@
 #include "Demo/DemoRun.h"
 
 #include "Demo/ChipReport.h"
-#include "Demo/ContactSheet.h"
 #include "Demo/Diagnosis.h"
 #include "Demo/Gallery.h"
 #include "Demo/MrzReport.h"
@@ -155,10 +154,8 @@ void DemoRun::openCall()
     m_steps.append(ViewType::jitsi);
     // Who is seen in the call is who took the selfie; a real camera shows for itself.
     m_call = std::make_unique<CallScene>(
-        *m_host, std::move(desk), [this] { return m_options.camera ? QImage() : m_front->lastFrame(); });
-    connect(m_call.get(), &CallScene::screenReached, this, [this](const QString& name) {
-        m_screens.append({ name, m_host->screen() });
-    });
+        *m_host, std::move(desk), [this] { return m_options.camera ? QImage() : m_host->selfie(); });
+    connect(m_call.get(), &CallScene::screenReached, this, &DemoRun::keepScreen);
     connect(m_call.get(), &CallScene::finished, this, [this](const QString& failure) {
         m_isComplete = failure.isEmpty();
         if (m_isComplete)
@@ -166,6 +163,14 @@ void DemoRun::openCall()
         else if (!m_byHand)
             giveUp(QStringLiteral("The call failed: %1").arg(failure));
     });
+}
+
+void DemoRun::keepScreen(const QString& name)
+{
+    // Written at once: a dozen screens are sixty megabytes.
+    const QImage screen = m_host->screen();
+    m_screens.append(m_folder.write(QStringLiteral("screen"), name, screen));
+    m_sheet.append(sheetEntry(name, screen));
 }
 
 void DemoRun::giveUp(const QString& failure)
@@ -182,9 +187,7 @@ void DemoRun::runFlow()
     m_person = std::make_unique<ScriptedPerson>(*m_host, *m_stage, !m_byHand);
     m_nextDiagnosis = kPatienceMilliseconds;
 
-    connect(m_person.get(), &ScriptedPerson::screenReached, this, [this](const QString& name) {
-        m_screens.append({ name, m_host->screen() });
-    });
+    connect(m_person.get(), &ScriptedPerson::screenReached, this, &DemoRun::keepScreen);
     connect(m_person.get(), &ScriptedPerson::finished, this, [this] {
         m_isComplete = true;
         QTimer::singleShot(m_byHand ? kFarewellMilliseconds : 0, m_person.get(), &ScriptedPerson::leave);
@@ -209,7 +212,9 @@ void DemoRun::runFlow()
     watching.start(kWatchMilliseconds);
 
     m_host->show();
+    TurnTally tally([this] { return m_person->isActing() || (m_call && m_call->isPeoplesTurn()); });
     m_loop.exec();
+    m_peoplesMilliseconds = tally.milliseconds();
     m_flowMilliseconds = m_host->elapsedMilliseconds();
 }
 
@@ -250,9 +255,8 @@ void DemoRun::warnAboutSmallPrint()
 
 int DemoRun::report()
 {
-    m_host->view().stopScanning();
     if (!m_failure.isEmpty()) {
-        m_screens.append({ QStringLiteral("given-up"), m_host->screen() });
+        keepScreen(QStringLiteral("given-up"));
         if (const auto subject = m_person->awaited())
             m_failure += QLatin1Char(' ')
                 + (m_person->unreadyMilliseconds() == 0
@@ -261,21 +265,16 @@ int DemoRun::report()
         else if (const QString trouble = m_person->chipTrouble(); !trouble.isEmpty())
             m_failure += QLatin1Char(' ') + trouble;
     }
-    QJsonArray screens;
-    for (const Screen& screen : std::as_const(m_screens))
-        screens.append(m_folder.write(QStringLiteral("screen"), screen.name, screen.image));
-    QList<SheetEntry> sheet;
-    for (const Screen& screen : std::as_const(m_screens))
-        sheet.append({ screen.name, screen.image });
+    m_host->view().stopScanning();
     QJsonArray gallery;
-    for (const GalleryScreen& screen : takeGallery(m_size)) {
-        gallery.append(m_folder.write(QStringLiteral("gallery"), screen.name, screen.image));
-        sheet.append({ screen.name, screen.image });
-    }
+    takeGallery(m_size, [&](const QString& name, const QImage& screen) {
+        gallery.append(m_folder.write(QStringLiteral("gallery"), name, screen));
+        m_sheet.append(sheetEntry(name, screen));
+    });
     m_folder.writeSheet(contactSheet(QStringLiteral("Kelvara, seed %1: %2 s")
                                          .arg(m_options.seed)
                                          .arg(static_cast<double>(m_flowMilliseconds) / 1000, 0, 'f', 1),
-        sheet));
+        m_sheet));
     const QJsonArray deliveries = m_folder.write(m_host->deliveries());
     if (m_failure.isEmpty() && !allSound(deliveries))
         m_failure = QStringLiteral("A base64 text does not hold the picture it was given with; see result.json.");
@@ -288,28 +287,31 @@ int DemoRun::report()
             { QStringLiteral("seed"), static_cast<qint64>(m_options.seed) }, { QStringLiteral("steps"), stepNames },
             { QStringLiteral("width"), m_size.width() }, { QStringLiteral("height"), m_size.height() },
             { QStringLiteral("byHand"), m_byHand }, { QStringLiteral("flowMilliseconds"), m_flowMilliseconds },
+            { QStringLiteral("waitedForPeopleMilliseconds"), m_peoplesMilliseconds },
             { QStringLiteral("delegateCalls"), deliveries }, { QStringLiteral("mrz"), mrzReport(m_host->record()) },
             { QStringLiteral("chip"), chipReport(m_host->passport()) },
             { QStringLiteral("call"), m_call ? QJsonValue(m_call->report()) : QJsonValue() },
             { QStringLiteral("backCamera"), cameraResult(*m_back) },
-            { QStringLiteral("frontCamera"), cameraResult(*m_front) }, { QStringLiteral("screens"), screens },
+            { QStringLiteral("frontCamera"), cameraResult(*m_front) }, { QStringLiteral("screens"), m_screens },
             { QStringLiteral("gallery"), gallery } });
     if (!m_folder.problem().isEmpty())
         return fail(BadInput, m_folder.problem());
     if (!m_failure.isEmpty())
         return fail(NotCompleted, m_failure);
 
-    say(QStringLiteral("Complete after %1 s: %2 photographs, %8%9, %3 screens, %4 more in the gallery.\n"
+    say(QStringLiteral("Complete after %1 s, %10 s of which the view waited for people: %2 photographs, %8%9, %3 "
+                       "screens, %4 more in the gallery.\n"
                        "Cameras: %5 frames a second at the back, %6 at the front.\n"
                        "See %7/report.html")
             .arg(static_cast<double>(m_flowMilliseconds) / 1000, 0, 'f', 1)
             .arg(m_host->photographs())
-            .arg(screens.size())
+            .arg(m_screens.size())
             .arg(gallery.size())
             .arg(m_back->framesPerSecond(), 0, 'f', 1)
             .arg(m_front->framesPerSecond(), 0, 'f', 1)
             .arg(m_folder.path(), m_host->passport() ? QStringLiteral("the chip read") : QStringLiteral("no chip read"),
-                m_call ? QStringLiteral(", the call held") : QString()));
+                m_call ? QStringLiteral(", the call held") : QString())
+            .arg(static_cast<double>(m_peoplesMilliseconds) / 1000, 0, 'f', 1));
     return Completed;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Demo/CallScene.h"
+#include "Demo/ContactSheet.h"
 #include "Demo/DemoHost.h"
 #include "Demo/DemoOptions.h"
 #include "Demo/FrameTap.h"
@@ -8,6 +9,7 @@
 #include "Demo/ReplayStage.h"
 #include "Demo/ResultFolder.h"
 #include "Demo/ScriptedPerson.h"
+#include "Demo/TurnTally.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -42,13 +44,8 @@ private:
     void warnAboutSmallPrint();
     [[nodiscard]] std::shared_ptr<FrameTap> activeCamera() const;
     [[nodiscard]] int report();
+    void keepScreen(const QString& name);
     int fail(ExitCode code, const QString& sentence);
-
-    struct Screen
-    {
-        QString name;
-        QImage image;
-    };
 
     const DemoOptions m_options;
     const bool m_byHand;
@@ -64,11 +61,13 @@ private:
     std::unique_ptr<ScriptedPerson> m_person;
     std::unique_ptr<CallScene> m_call; ///< Null without video calls.
     QEventLoop m_loop;
-    QList<Screen> m_screens;
+    QJsonArray m_screens; ///< Their files.
+    QList<SheetEntry> m_sheet;
     bool m_isComplete = false; ///< The view has said so.
     QString m_failure; ///< Why the flow was not completed; empty if it was.
     int m_exitCode = NotCompleted;
     qint64 m_flowMilliseconds = 0;
+    qint64 m_peoplesMilliseconds = 0; ///< Of it.
     qint64 m_nextDiagnosis = 0;
     bool m_warned = false;
 };

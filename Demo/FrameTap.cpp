@@ -39,6 +39,7 @@ struct FrameTap::Seen
     void endRun()
     {
         const std::lock_guard lock(mutex);
+        last = {};
         earlierNanoseconds += nanoseconds;
         nanoseconds = 0;
         clock.invalidate();

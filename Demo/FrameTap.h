@@ -41,7 +41,7 @@ public:
     [[nodiscard]] double framesPerSecond() const;
     /// As delivered, in sensor axes; empty before the first.
     [[nodiscard]] QSize frameSize() const;
-    /// The last frame, turned upright; null before the first.
+    /// The last frame of this run, turned upright; null before the first.
     [[nodiscard]] QImage lastFrame() const;
 
 private:

@@ -61,7 +61,7 @@ QImage take(const Situation& situation, const QSize& size)
 
 } // namespace
 
-QList<GalleryScreen> takeGallery(const QSize& size)
+void takeGallery(const QSize& size, const std::function<void(const QString& name, const QImage& screen)>& taken)
 {
     const Situation situations[] {
         { "no-back-camera", false, true, false, { ViewType::idPhoto, ViewType::selfie } },
@@ -72,10 +72,8 @@ QList<GalleryScreen> takeGallery(const QSize& size)
         { "waiting-for-the-call", true, true, false, { ViewType::jitsi } },
         { "call-without-a-server", true, true, false, { ViewType::jitsi }, true },
     };
-    QList<GalleryScreen> screens;
     for (const Situation& situation : situations)
-        screens.append({ QLatin1String(situation.name), take(situation, size) });
-    return screens;
+        taken(QLatin1String(situation.name), take(situation, size));
 }
 
 } // namespace kelvara::demo

@@ -1,20 +1,15 @@
 #pragma once
 
 #include <QImage>
-#include <QList>
 #include <QSize>
 #include <QString>
 
+#include <functional>
+
 namespace kelvara::demo {
 
-struct GalleryScreen
-{
-    QString name;
-    QImage image;
-};
-
-/// The screens that a host meets on lesser devices and with other steps, each from a short-lived view of its own that
-/// never appears on the display. Spins the event loop. Main thread.
-[[nodiscard]] QList<GalleryScreen> takeGallery(const QSize& size);
+/// Hands over the screens that a host meets on lesser devices and with other steps, each from a short-lived view of its
+/// own that never appears on the display. Spins the event loop. Main thread.
+void takeGallery(const QSize& size, const std::function<void(const QString& name, const QImage& screen)>& taken);
 
 } // namespace kelvara::demo

@@ -1,12 +1,14 @@
 #include "Demo/ReplayStage.h"
 
+#include "Demo/Allocator.h"
+#include "Demo/Film.h"
 #include "Demo/PictureFitter.h"
 #include "Demo/PicturedCard.h"
 #include "Demo/SpecimenCard.h"
 #include "Demo/SpecimenScenes.h"
+#include "Tools/Specimen/Scene.h"
 
 #include <cstdio>
-#include <future>
 
 namespace kelvara::demo {
 
@@ -31,9 +33,7 @@ std::shared_ptr<ReplayCamera> cameraOn(
     ReplayCameraOptions options;
     options.name = name;
     options.position = position;
-    return std::make_shared<ReplayCamera>(
-        ReplaySource::generator([movie](std::int64_t, std::chrono::microseconds time) { return movie->frame(time); }),
-        options);
+    return std::make_shared<ReplayCamera>(ReplaySource::generator(Film(movie)), options);
 }
 
 } // namespace
@@ -49,15 +49,9 @@ std::optional<QString> ReplayStage::open()
     if (auto problem = openPictures())
         return problem;
     const SpecimenScenes scenes(m_seed, m_areas);
-    std::array<std::future<MovieClip>, 3> specimens;
     for (const Subject subject : kSubjects) {
-        if (!m_sources[slot(subject)])
-            specimens[slot(subject)]
-                = std::async(std::launch::async, [&scenes, subject] { return scenes.clip(subject); });
-    }
-    for (const Subject subject : kSubjects) {
-        auto& specimen = specimens[slot(subject)];
-        m_clips[slot(subject)] = std::make_shared<const MovieClip>(specimen.valid() ? specimen.get() : fitted(subject));
+        m_clips[slot(subject)]
+            = std::make_shared<const MovieClip>(m_sources[slot(subject)] ? fitted(subject) : scenes.clip(subject));
     }
     const auto shake = [scenes](double seconds) { return scenes.shake(seconds); };
     m_tableMovie = std::make_shared<CardMovie>(m_areas.frame, scenes.backdrop(Subject::CardFront), shake);
@@ -65,6 +59,8 @@ std::optional<QString> ReplayStage::open()
     m_back = cameraOn(m_tableMovie, QStringLiteral("Replayed back camera"), AVCaptureDevicePosition::Back);
     m_front = cameraOn(m_roomMovie, QStringLiteral("Replayed front camera"), AVCaptureDevicePosition::Front);
     makeChip();
+    specimen::forgetPictures(); // none is taken any more
+    returnFreedMemory();
     return std::nullopt;
 }
 
@@ -158,9 +154,27 @@ void ReplayStage::present(Subject subject)
         subject == Subject::CardBack ? CardMovie::Arrival::TurnsOver : CardMovie::Arrival::Comes);
 }
 
+void ReplayStage::photographed(Subject subject)
+{
+    if (subject == Subject::CardFront)
+        return; // still seen as the card is turned over
+    // What is put away is thirty megabytes; the lens is covered.
+    const bool isSelfie = subject == Subject::Selfie;
+    m_clips[slot(subject)] = nullptr;
+    if (!isSelfie)
+        m_clips[slot(Subject::CardFront)] = nullptr;
+    (isSelfie ? m_roomMovie : m_tableMovie) = nullptr;
+    (isSelfie ? m_front : m_back)
+        ->setSource(ReplaySource::generator([size = m_areas.frame](std::int64_t, std::chrono::microseconds) {
+            QImage dark(size, QImage::Format_RGB32);
+            dark.fill(Qt::black);
+            return dark;
+        }));
+}
+
 bool ReplayStage::settled() const
 {
-    return m_tableMovie->settled() && m_roomMovie->settled();
+    return (!m_tableMovie || m_tableMovie->settled()) && (!m_roomMovie || m_roomMovie->settled());
 }
 
 void ReplayStage::holdToReader()

@@ -35,6 +35,7 @@ public:
     [[nodiscard]] const HeldChip* chip() const { return m_chip.get(); }
 
     void present(Subject subject) override;
+    void photographed(Subject subject) override;
     [[nodiscard]] bool settled() const override;
     void holdToReader() override;
     void takeFromReader() override;
@@ -56,10 +57,10 @@ private:
     std::array<QTransform, 3> m_fits; ///< How the sources' first pictures lie in the frame.
     std::array<std::shared_ptr<const MovieClip>, 3> m_clips;
     std::unique_ptr<HeldChip> m_chip;
-    std::shared_ptr<CardMovie> m_tableMovie;
+    std::shared_ptr<CardMovie> m_tableMovie; ///< These two are null once theirs is photographed.
     std::shared_ptr<CardMovie> m_roomMovie;
-    std::shared_ptr<AVCaptureDevice> m_back;
-    std::shared_ptr<AVCaptureDevice> m_front;
+    std::shared_ptr<ReplayCamera> m_back;
+    std::shared_ptr<ReplayCamera> m_front;
 };
 
 } // namespace kelvara::demo

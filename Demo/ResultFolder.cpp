@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QImageWriter>
 #include <QJsonDocument>
 #include <QRegularExpression>
 
@@ -122,7 +123,11 @@ void ResultFolder::writeResult(const QJsonObject& result)
 
 void ResultFolder::writeSheet(const QImage& sheet)
 {
-    writeFile(QStringLiteral("contact-sheet.png"), UIImagePNGRepresentation(UIImage(sheet)).value_or(QByteArray()));
+    // Row by row into the file: the sheet is twenty megabytes, and need not be there twice.
+    QImageWriter writer(m_folder.filePath(QStringLiteral("contact-sheet.png")), "PNG");
+    writer.setCompression(30);
+    if (!writer.write(sheet))
+        m_problem = QStringLiteral("\"%1\" cannot be written: %2.").arg(writer.fileName(), writer.errorString());
 }
 
 bool allSound(const QJsonArray& deliveries)

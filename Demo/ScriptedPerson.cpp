@@ -59,9 +59,18 @@ qint64 ScriptedPerson::unreadyMilliseconds() const
     return m_readyClock.isValid() ? 0 : m_sceneClock.elapsed();
 }
 
+bool ScriptedPerson::isActing() const
+{
+    if (!awaited())
+        return m_chipHand.isAwaited();
+    return m_sceneClock.elapsed() < kReactionMilliseconds || (m_presented && !m_stage.settled())
+        || m_readyClock.isValid();
+}
+
 void ScriptedPerson::beginScene(qsizetype scene)
 {
-    m_scene = scene;
+    for (; m_scene < scene; ++m_scene)
+        m_stage.photographed(kScenes[static_cast<std::size_t>(m_scene)].subject);
     m_presented = false;
     m_sceneClock.start();
     m_readyClock.invalidate();

@@ -26,6 +26,8 @@ public:
     [[nodiscard]] std::optional<Subject> awaited() const;
     /// How long it has been awaited without being ready; 0 while it is.
     [[nodiscard]] qint64 unreadyMilliseconds() const;
+    /// Whether the view waits for this person: to see what is new on it, to bring the card or the face, to press.
+    [[nodiscard]] bool isActing() const;
     /// What is in the way of reading the chip; empty before that step and after success.
     [[nodiscard]] QString chipTrouble() const { return m_chipHand.trouble(); }
 

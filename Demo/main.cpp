@@ -1,3 +1,4 @@
+#include "Demo/Allocator.h"
 #include "Demo/DemoRun.h"
 
 #include <QApplication>
@@ -52,6 +53,7 @@ int main(int argc, char** argv)
         return Completed;
     }
 
+    keepLittleFreedMemory();
     const bool hasDisplay = choosePlatform();
     if (qEnvironmentVariableIsEmpty("OPENCV_FFMPEG_LOGLEVEL"))
         qputenv("OPENCV_FFMPEG_LOGLEVEL", "-8"); // a file that cannot be read gets one sentence, and that is ours

@@ -147,6 +147,9 @@ TEST(Flow, CompletesAndLeavesProof)
     if (kHasCalls)
         steps.append(text("jitsi"));
     EXPECT_EQ(result[text("steps")].toArray(), steps);
+    const int waited = result[text("waitedForPeopleMilliseconds")].toInt();
+    EXPECT_GT(waited, 0);
+    EXPECT_LT(waited, result[text("flowMilliseconds")].toInt());
     QStringList methods;
     for (const QJsonValue& call : result[text("delegateCalls")].toArray())
         methods.append(call[text("method")].toString());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Tools/Specimen/KeptPictures.h"
+
 #include <cstddef>
 #include <functional>
 #include <list>
@@ -11,7 +13,7 @@ namespace kelvara::specimen {
 
 /// The last few results of a costly function of `Key`. Any thread; two threads that miss the same key at once both
 /// compute it, neither waits for the other.
-template<typename Key, typename Value> class SharedCache
+template<typename Key, typename Value> class SharedCache final : public KeptPictures
 {
 public:
     explicit SharedCache(std::size_t capacity) : m_capacity(capacity) { }
@@ -28,7 +30,16 @@ public:
         return made;
     }
 
+    void forget() override
+    {
+        std::list<Entry> forgotten;
+        const std::lock_guard lock(m_mutex);
+        m_entries.swap(forgotten);
+    }
+
 private:
+    using Entry = std::pair<Key, std::shared_ptr<const Value>>;
+
     [[nodiscard]] std::shared_ptr<const Value> find(const Key& key)
     {
         const std::lock_guard lock(m_mutex);
@@ -43,7 +54,7 @@ private:
 
     const std::size_t m_capacity;
     std::mutex m_mutex;
-    std::list<std::pair<Key, std::shared_ptr<const Value>>> m_entries;
+    std::list<Entry> m_entries;
 };
 
 } // namespace kelvara::specimen
