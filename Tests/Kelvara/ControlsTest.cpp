@@ -8,6 +8,7 @@
 #include "Tests/Kelvara/WidgetTools.h"
 
 #include <QAccessible>
+#include <QLineEdit>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
@@ -324,6 +325,23 @@ TEST(Focus, ShowsForTheKeyboardAndReturnsToTheShutter)
     close.setFocus();
     shutter->setEnabled(true);
     EXPECT_TRUE(close.hasFocus()) << "and not what has moved on since";
+}
+
+TEST(Focus, ShowsForTheKeyboardAlsoAfterItFellToSomethingElse)
+{
+    QWidget window;
+    auto* form = new QWidget(&window);
+    auto* send = new RoundedButton(QRect(0, 0, 70, 30), form);
+    auto* field = new QLineEdit(&window); // which the focus falls to; no button of ours
+    auto* other = new RoundedButton(QRect(0, 60, 70, 30), &window);
+    window.show();
+    QApplication::setActiveWindow(&window);
+    send->setFocus(Qt::MouseFocusReason);
+    form->hide();
+    ASSERT_TRUE(field->hasFocus());
+    QTest::keyClick(&window, Qt::Key_Tab);
+    ASSERT_TRUE(other->hasFocus());
+    EXPECT_TRUE(other->showsFocus());
 }
 
 TEST(Buttons, HaveALookForEveryState)
