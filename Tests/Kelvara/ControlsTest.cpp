@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 #include <numbers>
 
@@ -286,6 +287,11 @@ TEST(TouchMargin, LetsPressesCountThatLandCloseToASmallButton)
     close->setEnabled(false);
     EXPECT_EQ(clicksAt({ 145, 25 }), 0);
     close->setEnabled(true);
+    close->setMinimumTouchSize(
+        { std::numeric_limits<int>::max(), std::numeric_limits<int>::min() }); // as wide as can be
+    EXPECT_EQ(clicksAt({ 2, 30 }), 1);
+    EXPECT_EQ(clicksAt({ 160, 11 }), 0);
+    close->setMinimumTouchSize({ 44, 44 });
     QPointer<IconButton> life(close);
     QObject::connect(close, &IconButton::clicked, close, [close] { delete close; });
     QTest::mouseClick(&preview, Qt::LeftButton, {}, { 145, 25 });
