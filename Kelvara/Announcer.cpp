@@ -3,6 +3,7 @@
 #include "Platform/Foundation/Announcement.h"
 
 #include <QAccessible>
+#include <QPointer>
 #include <QTimerEvent>
 
 #include <utility>
@@ -59,8 +60,12 @@ void Announcer::timerEvent(QTimerEvent* event)
     for (const Sentence& sentence : std::exchange(m_waiting, {}))
         words << sentence.words.simplified();
     const QString said = words.join(QLatin1Char(' '));
+    const QPointer<Announcer> life(this); // who hears of it may have the view deleted
     setAccessibleName(said); // which by itself tells that the name has changed
-    announce(*this, said);
+    if (life)
+        announce(*this, said);
+    if (!life)
+        return;
     // Where alerts pass unheard, as on Linux, a notification is read when it appears.
     QAccessibleEvent appears(this, QAccessible::ObjectShow);
     QAccessible::updateAccessibility(&appears);

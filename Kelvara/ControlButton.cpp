@@ -31,8 +31,9 @@ constexpr double kTitleSeamRadius = 1.5;
 constexpr int kTitleSeamAlpha = 84;
 constexpr QColor kFocusColor { 255, 210, 74 };
 
-/// True while the focus moves on by itself, because the widget that had it without a ring vanished or was disabled.
-bool s_focusFellToNext = false;
+/// To whom the focus has just moved by itself, because the button that had it without a ring vanished or was disabled.
+/// Compared only, never used.
+const QWidget* s_focusFellTo = nullptr;
 
 /// An absent image in every case that shows nothing.
 std::optional<ControlImage> visible(const std::optional<ControlImage>& image)
@@ -248,24 +249,26 @@ void ControlButton::focusInEvent(QFocusEvent* event)
     case Qt::PopupFocusReason:
         break; // As it was.
     default:
-        m_showsFocus = !s_focusFellToNext;
+        m_showsFocus = s_focusFellTo != this;
     }
-    s_focusFellToNext = false;
+    s_focusFellTo = nullptr;
     QAbstractButton::focusInEvent(event);
 }
 
 void ControlButton::focusOutEvent(QFocusEvent* event)
 {
     // Qt moves the focus on as if by Tab when its owner vanishes: no ring for those who never used the keyboard.
-    s_focusFellToNext = !m_showsFocus && event->reason() == Qt::TabFocusReason && !(isVisible() && isEnabled());
+    const bool falls = !m_showsFocus && event->reason() == Qt::TabFocusReason && !(isVisible() && isEnabled());
+    s_focusFellTo = falls ? QApplication::focusWidget() : nullptr; // which is the next one by now
     m_losesFocusDisabled = isVisible() && !isEnabled();
     QAbstractButton::focusOutEvent(event);
 }
 
 void ControlButton::changeEvent(QEvent* event)
 {
+    const QPointer<ControlButton> life(this); // who hears of the state may delete the button
     QAbstractButton::changeEvent(event);
-    if (event->type() != QEvent::EnabledChange)
+    if (!life || event->type() != QEvent::EnabledChange)
         return;
     // The shutter comes and goes with what the camera sees. Whoever was about to press it by keyboard would otherwise
     // press its neighbour.

@@ -60,9 +60,9 @@ void QorvelKycViewPrivate::updateOverlay(ShapeLayer* border, bool ready)
         border->setStrokeColor(ready ? cameraColor : QColor(Qt::white));
     takePhotoButton->setBackgroundImage(
         q->getMyImage(ready ? QStringLiteral("camera_button_on") : QStringLiteral("camera_button_off")));
-    takePhotoButton->setEnabled(ready);
     if (ready)
         announceReady();
+    takePhotoButton->setEnabled(ready); // last: who hears of it may have the view deleted
 }
 
 QRectF QorvelKycViewPrivate::cutoutRect(const CaptureGeometry& geometry, const QImage& image)

@@ -109,8 +109,11 @@ void ToggleButton::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton && std::exchange(m_isTracking, false)) {
         const bool clicks = isDown() && hitButton(event->position().toPoint());
+        const QPointer<ToggleButton> life(this); // who hears of the state may delete the button
         if (!clicks)
             setIsOn(!isOn());
+        if (!life)
+            return;
     }
     ControlButton::mouseReleaseEvent(event);
 }

@@ -19,7 +19,8 @@ public:
     explicit TouchMargin(QAbstractButton* button);
 
     [[nodiscard]] QSize minimumSize() const { return m_minimumSize; }
-    void setMinimumSize(const QSize& size) { m_minimumSize = size; }
+    /// Negative lengths count as none.
+    void setMinimumSize(const QSize& size) { m_minimumSize = size.expandedTo(QSize(0, 0)); }
 
     /// Whether a position in the button's coordinates lies on the button or in its margin.
     [[nodiscard]] bool contains(const QPoint& position) const;

@@ -59,7 +59,8 @@ public:
 Q_SIGNALS:
     /// The camera was unplugged (or its source ended for good) or is back. Emitted on the main thread.
     void connectedChanged(bool connected);
-    /// A session has let go of the camera: one that waits for it may start it now. Emitted on the main thread.
+    /// A session has let go of the camera: one that waits for it may start it now. Emitted on the main
+    /// thread, a turn of the event loop later.
     void released();
 };
 

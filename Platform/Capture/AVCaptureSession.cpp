@@ -51,8 +51,10 @@ struct AVCaptureSession::State
         for (const auto& output : outputs)
             output->dropQueued();
         if (std::exchange(running, false)) {
-            active->device()->stop();
-            Q_EMIT active->device()->released();
+            AVCaptureDevice* const device = active->device().get();
+            device->stop();
+            // Later, as this session is still in the midst of letting go, and who hears of it may delete it.
+            QMetaObject::invokeMethod(device, &AVCaptureDevice::released, Qt::QueuedConnection);
         }
     }
 
@@ -104,9 +106,7 @@ void AVCaptureSession::update()
         if (input) {
             const AVCaptureDevice* device = input->device().get();
             d->plug = connect(device, &AVCaptureDevice::connectedChanged, this, [this] { update(); });
-            // Later, as the session that lets go of the camera is still in the midst of it.
-            d->release = connect(
-                device, &AVCaptureDevice::released, this, [this] { update(); }, Qt::QueuedConnection);
+            d->release = connect(device, &AVCaptureDevice::released, this, [this] { update(); });
         }
         for (AVCaptureVideoPreviewLayer* preview : d->previews)
             d->tellPreview(*preview);

@@ -146,8 +146,8 @@ void PassportReader::readPassport(const QString& mrzKey, const QList<chip::DataG
     d->cancel = std::make_shared<chip::CancelToken>();
     State::Job job { keyOf(mrzKey), { { tags.begin(), tags.end() }, skipSecureElements, {} },
         std::move(customDisplayMessage), std::move(completed), d->cancel, d->terminal, ++d->readNumber };
-    d->openSheet(d->cancel);
     d->queue.async([state = d.get(), job = std::move(job)]() mutable { state->read(std::move(job)); });
+    d->openSheet(d->cancel); // last: who hears of it may delete the reader
 }
 
 void PassportReader::State::openSheet(const std::shared_ptr<chip::CancelToken>& token)

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -84,8 +85,10 @@ void ConferenceCover::showMessage(const QString& sentence)
         return; // said already
     m_isConnecting = false;
     m_turning.stop();
+    const QPointer<ConferenceCover> life(this);
     tell(sentence, QStringLiteral("Tamam"));
-    m_action->setFocus();
+    if (life)
+        m_action->setFocus();
 }
 
 void ConferenceCover::tell(const QString& sentence, const QString& action)
@@ -93,11 +96,13 @@ void ConferenceCover::tell(const QString& sentence, const QString& action)
     m_sentence->setText(sentence);
     m_action->setText(action);
     fitLetters();
-    setAccessibleName(sentence);
     show();
     raise();
     update();
-    announce(*m_sentence, sentence);
+    const QPointer<ConferenceCover> life(this); // who hears of it may have the view deleted
+    setAccessibleName(sentence);
+    if (life)
+        announce(*m_sentence, sentence);
 }
 
 void ConferenceCover::setTextScale(double scale)

@@ -197,6 +197,14 @@ TEST(Session, MayBeDeletedByWhoHearsOfIt)
     session->startRunning();
     camera->setConnected(false);
     EXPECT_EQ(session, nullptr);
+
+    session = std::make_unique<AVCaptureSession>();
+    camera->setConnected(true);
+    session->addInput(AVCaptureDeviceInput::make(camera));
+    session->startRunning();
+    QObject::connect(camera.get(), &AVCaptureDevice::released, [&] { session.reset(); });
+    session->stopRunning();
+    EXPECT_TRUE(waitFor([&] { return !session; }));
 }
 
 TEST(Session, GivesTheCameraAwayForAsLongAsItIsClaimed)

@@ -1,3 +1,5 @@
+#include "Kelvara/IDCardModel.h"
+#include "Platform/Chip/PassportReader.h"
 #include "Platform/Chip/software/SoftwareTerminal.h"
 #include "Tests/Kelvara/WidgetTools.h"
 #include "Tests/Support/AccessWatch.h"
@@ -360,6 +362,78 @@ TEST_F(Access, SaysHowACallGoes)
     EXPECT_EQ(watch.said.filter(text("güvenli değil")).size(), 1);
     EXPECT_FALSE(watch.hasSaid(text("sona erdi"))) << "it never began";
 }
+
+// --- Whoever hears may act
+
+struct HeardRow
+{
+    const char* name;
+    QAccessible::Event event;
+    const char* speaker; ///< Class name.
+    std::function<void(Access&, Stage&)> bringAbout;
+    const char* words = ""; ///< That the speaker's name must hold.
+};
+
+void PrintTo(const HeardRow& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class Heard : public Access, public testing::WithParamInterface<HeardRow>
+{ };
+
+TEST_P(Heard, TheViewMayBeDeletedByWhoListens)
+{
+    stage->setSteps({ idPhoto });
+    AccessWatch watch;
+    watch.during = [&](QAccessibleEvent& event) {
+        if (event.type() == GetParam().event && event.object()->inherits(GetParam().speaker)
+            && event.accessibleInterface()->text(QAccessible::Name).contains(text(GetParam().words)))
+            delete stage->view.data();
+    };
+    GetParam().bringAbout(*this, *stage);
+    EXPECT_TRUE(spinUntil([&] { return stage->view.isNull(); }));
+    settle();
+}
+
+void announceAScreen(Access&, Stage& stage)
+{
+    stage.view->showNfcView();
+}
+
+void becomeReady(Access&, Stage& stage)
+{
+    stage.show(true, true);
+}
+
+void touchTheTorch(Access&, Stage& stage)
+{
+    ToggleButton* const torch = stage.d().flashButton;
+    QTest::mousePress(torch, Qt::LeftButton, {}, { 12, 12 });
+    QTest::mouseRelease(torch, Qt::LeftButton, {}, { 200, 12 }); // not a click, but a change all the same
+}
+
+void readAChip(Access&, Stage& stage)
+{
+    stage.d().readCard(
+        IDCardModel(QStringLiteral("L898902C3"), QDate(1974, 8, 12), QDate(2032, 4, 15))); // as after a zone was read
+}
+
+void callNobody(Access&, Stage& stage)
+{
+    stage.setSteps({ jitsi });
+    stage.view->setJitsiConference("http://meet.example.com", "room", "token");
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Heard,
+    testing::Values(HeardRow { "nameOfANotice", QAccessible::NameChanged, "kelvara::Announcer", announceAScreen },
+        HeardRow { "notice", QAccessible::Alert, "kelvara::Announcer", announceAScreen },
+        HeardRow { "shutter", QAccessible::StateChanged, "kelvara::CircleButton", becomeReady },
+        HeardRow { "torch", QAccessible::StateChanged, "kelvara::ToggleButton", touchTheTorch },
+        HeardRow { "sheet", QAccessible::Alert, "kelvara::chip::ReaderSheet", readAChip },
+        HeardRow { "callName", QAccessible::NameChanged, "kelvara::ConferenceCover", callNobody },
+        HeardRow { "call", QAccessible::Alert, "QLabel", callNobody, "güvenli değil" }),
+    [](const auto& row) { return std::string(row.param.name); });
 
 } // namespace
 } // namespace kelvara::test

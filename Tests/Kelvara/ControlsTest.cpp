@@ -8,12 +8,14 @@
 #include "Tests/Kelvara/WidgetTools.h"
 
 #include <QAccessible>
+#include <QLineEdit>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 #include <numbers>
 
@@ -285,6 +287,11 @@ TEST(TouchMargin, LetsPressesCountThatLandCloseToASmallButton)
     close->setEnabled(false);
     EXPECT_EQ(clicksAt({ 145, 25 }), 0);
     close->setEnabled(true);
+    close->setMinimumTouchSize(
+        { std::numeric_limits<int>::max(), std::numeric_limits<int>::min() }); // as wide as can be
+    EXPECT_EQ(clicksAt({ 2, 30 }), 1);
+    EXPECT_EQ(clicksAt({ 160, 11 }), 0);
+    close->setMinimumTouchSize({ 44, 44 });
     QPointer<IconButton> life(close);
     QObject::connect(close, &IconButton::clicked, close, [close] { delete close; });
     QTest::mouseClick(&preview, Qt::LeftButton, {}, { 145, 25 });
@@ -324,6 +331,23 @@ TEST(Focus, ShowsForTheKeyboardAndReturnsToTheShutter)
     close.setFocus();
     shutter->setEnabled(true);
     EXPECT_TRUE(close.hasFocus()) << "and not what has moved on since";
+}
+
+TEST(Focus, ShowsForTheKeyboardAlsoAfterItFellToSomethingElse)
+{
+    QWidget window;
+    auto* form = new QWidget(&window);
+    auto* send = new RoundedButton(QRect(0, 0, 70, 30), form);
+    auto* field = new QLineEdit(&window); // which the focus falls to; no button of ours
+    auto* other = new RoundedButton(QRect(0, 60, 70, 30), &window);
+    window.show();
+    QApplication::setActiveWindow(&window);
+    send->setFocus(Qt::MouseFocusReason);
+    form->hide();
+    ASSERT_TRUE(field->hasFocus());
+    QTest::keyClick(&window, Qt::Key_Tab);
+    ASSERT_TRUE(other->hasFocus());
+    EXPECT_TRUE(other->showsFocus());
 }
 
 TEST(Buttons, HaveALookForEveryState)

@@ -3,6 +3,7 @@
 
 #include <QAccessible>
 #include <QAccessibleBridge>
+#include <QPointer>
 #include <QtPlugin>
 
 namespace kelvara::test {
@@ -35,6 +36,11 @@ AccessWatch::~AccessWatch()
 
 void AccessWatch::hear(QAccessibleEvent& event)
 {
+    const QPointer<QObject> object(event.object());
+    if (const auto action = during)
+        action(event);
+    if (!object)
+        return;
     if (event.type() != QAccessible::Alert && event.type() != QAccessible::StateChanged)
         return;
     QAccessibleInterface* const speaker = event.accessibleInterface();

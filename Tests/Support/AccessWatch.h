@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <functional>
 
 class QAccessibleEvent;
 
@@ -22,6 +23,7 @@ public:
     /// Of every alert the words that a screen reader finds at its object: the description if it has one, else the name.
     QStringList said;
     QStringList stateChanges; ///< Names of the objects.
+    std::function<void(QAccessibleEvent&)> during; ///< Done at every event, of any kind, before it is written down.
 
     [[nodiscard]] bool hasSaid(const QString& words) const
     {

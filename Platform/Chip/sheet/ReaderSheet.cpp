@@ -156,14 +156,17 @@ void ReaderSheet::display(const NFCViewDisplayMessage& message, const QString& t
     const bool isNews = m_panel->show(m_phase, titleOf(m_phase), text, percent);
     m_hasEnded = isEnd;
     const bool wasPresented = m_isPresented;
+    const QPointer<ReaderSheet> life(this); // who hears of it may have the sheet deleted
     if (!wasPresented)
         present();
-    announceProgress(percent); // first: the last words are what the read has come to
-    if (wasPresented && isNews)
-        announceMessage();
+    if (!life)
+        return;
     arrange();
     if (isEnd)
         m_stay.start(m_phase == SheetPhase::Done ? kSuccessStays : kErrorStays);
+    announceProgress(percent); // first: the last words are what the read has come to
+    if (life && wasPresented && isNews)
+        announceMessage();
 }
 
 void ReaderSheet::dismiss()
@@ -256,9 +259,12 @@ void ReaderSheet::giveFocusBack()
 
 void ReaderSheet::announceMessage()
 {
+    const QPointer<ReaderSheet> life(this);
     setAccessibleName(titleOf(m_phase));
-    setAccessibleDescription(m_panel->spokenMessage());
-    announce(*this, accessibleName() + QStringLiteral(". ") + accessibleDescription());
+    if (life)
+        setAccessibleDescription(m_panel->spokenMessage());
+    if (life)
+        announce(*this, accessibleName() + QStringLiteral(". ") + accessibleDescription());
 }
 
 void ReaderSheet::announceProgress(int percent)

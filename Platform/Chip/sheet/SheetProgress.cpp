@@ -4,6 +4,7 @@
 #include "Platform/Foundation/Announcement.h"
 
 #include <QPainter>
+#include <QPointer>
 #include <QTimerEvent>
 
 #include <algorithm>
@@ -72,8 +73,10 @@ void SheetProgress::setColor(const QColor& color)
 
 void SheetProgress::announceValue()
 {
+    const QPointer<SheetProgress> life(this); // who hears of it may have the sheet deleted
     setAccessibleDescription(QString::fromUtf8("Yüzde %1").arg(value()));
-    announce(*this, accessibleDescription());
+    if (life)
+        announce(*this, accessibleDescription());
 }
 
 void SheetProgress::paintEvent(QPaintEvent*)
