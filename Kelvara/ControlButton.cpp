@@ -204,22 +204,29 @@ void ControlButton::paintImages(QPainter& painter) const
 void ControlButton::paintTitle(QPainter& painter) const
 {
     const double ratio = pixelsPerPoint(painter);
-    QImage letters((QSizeF(size()) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
+    const QRect area = rect().adjusted(kTitleMargin, 0, -kTitleMargin, 0);
+    const QString title = fontMetrics().elidedText(m_title, Qt::ElideRight, area.width());
+    // The seam is costly for each pixel, and a button may be far larger than its title.
+    constexpr int kRoom = 4;
+    const QRect box = fontMetrics()
+                          .boundingRect(area, Qt::AlignCenter | Qt::TextSingleLine, title)
+                          .adjusted(-kRoom, -kRoom, kRoom, kRoom)
+                          .intersected(rect());
+    QImage letters((QSizeF(box.size()) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
     if (letters.isNull())
         return;
     letters.setDevicePixelRatio(ratio);
     letters.fill(Qt::transparent);
     {
         QPainter letterPainter(&letters);
+        letterPainter.translate(-box.topLeft());
         letterPainter.setFont(font());
         letterPainter.setPen(m_titleColor);
-        const QRect area = rect().adjusted(kTitleMargin, 0, -kTitleMargin, 0);
-        letterPainter.drawText(area, Qt::AlignCenter | Qt::TextSingleLine,
-            fontMetrics().elidedText(m_title, Qt::ElideRight, area.width()));
+        letterPainter.drawText(area, Qt::AlignCenter | Qt::TextSingleLine, title);
     }
     QColor seam = seamColor(m_titleColor);
     seam.setAlpha(kTitleSeamAlpha);
-    painter.drawImage(QPointF(0, 0), withSeam(letters, kTitleSeamRadius * ratio, seam));
+    painter.drawImage(box.topLeft(), withSeam(letters, kTitleSeamRadius * ratio, seam));
 }
 
 void ControlButton::paintFocusRing(QPainter& painter) const

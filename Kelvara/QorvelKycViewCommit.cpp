@@ -79,6 +79,11 @@ void QorvelKycViewPrivate::commit()
     takePhotoButton->setBackgroundImage(q->getMyImage(QStringLiteral("camera_button_off")));
     takePhotoButton->setImage(q->getMyImage(QStringLiteral("loading_card")));
     takePhotoButton->rotate();
+    // Off until the next readiness: the second tap of a double tap must not find it.
+    const QPointer<QorvelKycView> view(q); // who hears of it may have the view deleted
+    takePhotoButton->setEnabled(false);
+    if (!view)
+        return;
     switch (selectedViewType) {
     case ViewType::selfie:
         commitSelfie();
@@ -97,8 +102,6 @@ void QorvelKycViewPrivate::commit()
 
 void QorvelKycViewPrivate::commitSelfie()
 {
-    // Off until the next readiness: the second tap of a double tap must not find it.
-    takePhotoButton->setEnabled(false);
     store(*sdkModel, kSelfie, inputCGImage.load(), capturedFace);
     announcer->say(QString::fromUtf8("Selfie çekildi."));
     const QPointer<QorvelKycView> view(q);
@@ -109,7 +112,6 @@ void QorvelKycViewPrivate::commitSelfie()
 
 void QorvelKycViewPrivate::commitFront()
 {
-    takePhotoButton->setEnabled(false);
     flipImageView->flip();
     setCardInstruction(QString::fromUtf8(kTurnToBack));
     store(*sdkModel, kFront, inputCGImage.load(), capturedImage);
@@ -122,7 +124,6 @@ void QorvelKycViewPrivate::commitFront()
 
 void QorvelKycViewPrivate::commitBack()
 {
-    takePhotoButton->setEnabled(false);
     setCardInstruction(QString::fromUtf8(kTurnToFront));
     isFront = true;
     store(*sdkModel, kBack, inputCGImage.load(), capturedImage);

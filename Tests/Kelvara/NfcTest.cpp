@@ -23,11 +23,6 @@ using chip::software::SoftwareChip;
 using chip::software::SoftwareTerminal;
 using enum ViewType;
 
-QString text(const char* utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
 /// What the camera would have read of the chip's card.
 QKMRZResult printedZone()
 {

@@ -20,6 +20,11 @@
 
 namespace kelvara::test {
 
+inline QString text(const char* utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
 /// Runs the event loop until the condition holds; false when it never did within the limit.
 inline bool spinUntil(const std::function<bool()>& condition, int limit = 5000)
 {
