@@ -2,11 +2,11 @@
 
 #include "Platform/Chip/sheet/SheetAccessibility.h"
 #include "Platform/Chip/sheet/SheetButton.h"
+#include "Platform/Chip/sheet/SheetFocus.h"
 #include "Platform/Chip/sheet/SheetPanel.h"
 #include "Platform/Chip/sheet/SheetStyle.h"
 #include "Platform/Foundation/Announcement.h"
 
-#include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStyle>
@@ -58,19 +58,11 @@ QString titleOf(SheetPhase phase)
     return {};
 }
 
-bool isOnSheet(const QWidget* widget)
-{
-    for (; widget; widget = widget->parentWidget()) {
-        if (qobject_cast<const ReaderSheet*>(widget))
-            return true;
-    }
-    return false;
-}
-
 } // namespace
 
 ReaderSheet::ReaderSheet(QWidget* over)
-    : QWidget(over ? over->window() : nullptr), m_window(parentWidget()), m_panel(new sheet::SheetPanel(this))
+    : QWidget(over ? over->window() : nullptr), m_window(parentWidget()), m_panel(new sheet::SheetPanel(this)),
+      m_focus(std::make_unique<sheet::SheetFocus>(*this, *m_panel->button(), m_window))
 {
     sheet::installAccessibility();
     hide();
@@ -93,7 +85,6 @@ ReaderSheet::ReaderSheet(QWidget* over)
     });
     m_stay.setSingleShot(true);
     connect(&m_stay, &QTimer::timeout, this, [this] { slide(false); });
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { guardFocus(now); });
     if (m_window)
         m_window->installEventFilter(this);
     if (over && over != m_window) {
@@ -106,11 +97,10 @@ ReaderSheet::ReaderSheet(QWidget* over)
 
 ReaderSheet::~ReaderSheet()
 {
-    disconnect(
-        qApp, nullptr, this, nullptr); // the focus leaves the button after this, when nothing is left to guard it
-    // A host may take the sheet away itself; in a window that is on its way out there is nobody to give back to.
-    if (m_isPresented && m_window)
-        giveFocusBack();
+    // A host may take the sheet away itself.
+    m_focus->release();
+    if (m_isPresented)
+        m_focus->giveBack();
 }
 
 void ReaderSheet::setTextScale(double scale)
@@ -123,20 +113,12 @@ void ReaderSheet::present()
 {
     if (std::exchange(m_isPresented, true) || !m_window)
         return;
-    m_focusBefore = m_window->focusWidget();
-    if (isOnSheet(m_focusBefore)) {
-        // An earlier sheet is just leaving: what it would give back is what counts.
-        QWidget* widget = m_focusBefore;
-        while (!qobject_cast<ReaderSheet*>(widget))
-            widget = widget->parentWidget();
-        m_focusBefore = static_cast<ReaderSheet*>(widget)->m_focusBefore;
-    }
     m_panel->setMoves(moves());
     setGeometry(m_window->rect());
     arrange();
     show();
     raise();
-    m_panel->button()->setFocus(Qt::OtherFocusReason);
+    m_focus->take();
     slide(true);
     announceMessage();
 }
@@ -188,6 +170,8 @@ void ReaderSheet::slide(bool up)
     if (m_isLeaving)
         return;
     m_isLeaving = !up;
+    if (!up)
+        m_focus->release();
     m_stay.stop();
     m_slide.stop();
     if (!up && (!m_isPresented || !m_window)) {
@@ -209,9 +193,10 @@ void ReaderSheet::slide(bool up)
 void ReaderSheet::leave()
 {
     m_isLeaving = true;
+    m_focus->release();
     m_slide.stop();
     m_stay.stop();
-    giveFocusBack();
+    m_focus->giveBack();
     hide();
     deleteLater();
 }
@@ -230,31 +215,6 @@ void ReaderSheet::placePanel()
     const int visible = static_cast<int>(std::lround(m_panel->height() * m_shown));
     m_panel->move((width() - m_panel->width()) / 2, height() - visible);
     update();
-}
-
-void ReaderSheet::guardFocus(QWidget* now)
-{
-    // A control of the host that takes the focus for itself, such as a shutter that becomes enabled, gets it later.
-    if (!m_isPresented || m_isLeaving || !isVisible() || !now || now->window() != m_window || isOnSheet(now))
-        return;
-    m_focusBefore = now;
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            if (!m_isLeaving && m_window && !isOnSheet(m_window->focusWidget()))
-                m_panel->button()->setFocus(Qt::OtherFocusReason);
-        },
-        Qt::QueuedConnection);
-}
-
-void ReaderSheet::giveFocusBack()
-{
-    if (!m_window || !isAncestorOf(m_window->focusWidget()))
-        return; // another sheet has it, which knows where it goes
-    if (m_focusBefore && m_focusBefore->window() == m_window && m_focusBefore->isEnabled())
-        m_focusBefore->setFocus(Qt::OtherFocusReason);
-    else
-        m_window->focusWidget()->clearFocus();
 }
 
 void ReaderSheet::announceMessage()

@@ -10,12 +10,14 @@
 #include <QWidget>
 
 #include <chrono>
+#include <memory>
 
 namespace kelvara::chip {
 
 namespace sheet {
+class SheetFocus;
 class SheetPanel;
-}
+} // namespace sheet
 
 /// What a phone's system shows while it reads a card: a sheet that slides up from the lower edge of a widget's window,
 /// over a backdrop that takes all touches and keys, with a title, a moving picture, a message, the progress and a
@@ -34,8 +36,9 @@ public:
     explicit ReaderSheet(QWidget* over);
     ~ReaderSheet() override;
 
-    /// By how much letters are larger than ordinary, at least, 1 to 3: they grow with the system's font as well, whichever is
-    /// larger. Initially 1. Where room is scarce they are smaller than asked for, but not smaller than ordinary.
+    /// By how much letters are larger than ordinary, at least, 1 to 3: they grow with the system's font as well,
+    /// whichever is larger. Initially 1. Where room is scarce they are smaller than asked for, but not smaller than
+    /// ordinary.
     void setTextScale(double scale);
     /// Slides up. Only once.
     void present();
@@ -66,20 +69,20 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    friend class sheet::SheetFocus; // asks an earlier sheet where its focus goes
+
     void cancelOrClose();
     void slide(bool up);
     void leave();
     void arrange();
     void placePanel();
-    void guardFocus(QWidget* now);
-    void giveFocusBack();
     void announceMessage();
     void announceProgress(int percent);
     [[nodiscard]] bool moves() const;
 
     QPointer<QWidget> m_window;
-    QPointer<QWidget> m_focusBefore;
     sheet::SheetPanel* m_panel;
+    std::unique_ptr<sheet::SheetFocus> m_focus;
     QVariantAnimation m_slide;
     QTimer m_stay;
     sheet::SheetPhase m_phase = sheet::SheetPhase::Present;
