@@ -1,5 +1,7 @@
 #include "Platform/Imaging/ColorKernelCompiler.h"
 
+#include "Platform/Imaging/ColorKernelEmitter.h"
+
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -10,10 +12,9 @@ namespace kelvara::imaging {
 namespace {
 
 using Operation = KernelProgram::Operation;
-using Register = KernelProgram::Register;
+using Value = KernelEmitter::Value;
+using NotUnderstood = KernelEmitter::NotUnderstood;
 
-// A text of any length could ask for any number of registers; kernels that are meant need a few dozen.
-constexpr int kMostRegisters = 1024;
 constexpr int kDeepest = 64;
 // More than any kernel of that many registers needs, few enough to be refused at once.
 constexpr qsizetype kLongestSource = 1 << 16;
@@ -40,17 +41,6 @@ std::vector<QString> tokens(const QString& source)
     return found;
 }
 
-/// What an expression has been compiled to.
-struct Value
-{
-    std::vector<Register> registers; ///< One for each component.
-    bool condition = false;
-};
-
-/// Thrown and caught within this file.
-struct NotUnderstood
-{ };
-
 class Compiler
 {
 public:
@@ -60,7 +50,7 @@ public:
     {
         expect("kernel");
         expect("vec4");
-        m_program.name = identifier();
+        m_emit.program.name = identifier();
         expect("(");
         if (!accept(")")) {
             do
@@ -71,13 +61,13 @@ public:
         expect("{");
         while (!accept("return"))
             declaration();
-        const Value result = expression();
+        const Value made = expression();
         expect(";");
         expect("}");
-        if (m_at != m_tokens.size() || result.registers.size() != 4 || result.condition)
+        if (m_at != m_tokens.size() || made.registers.size() != 4 || made.condition)
             throw NotUnderstood();
-        std::copy(result.registers.begin(), result.registers.end(), m_program.result.begin());
-        return m_program;
+        std::copy(made.registers.begin(), made.registers.end(), m_emit.program.result.begin());
+        return m_emit.program;
     }
 
 private:
@@ -103,21 +93,6 @@ private:
         return m_tokens[m_at++];
     }
 
-    Register newRegister()
-    {
-        if (m_program.registers >= kMostRegisters)
-            throw NotUnderstood();
-        return m_program.registers++;
-    }
-
-    Value newValue(std::size_t components)
-    {
-        Value made;
-        for (std::size_t i = 0; i < components; ++i)
-            made.registers.push_back(newRegister());
-        return made;
-    }
-
     void name(const QString& variable, Value value)
     {
         if (!m_variables.emplace(variable, std::move(value)).second)
@@ -129,8 +104,8 @@ private:
         const bool sample = accept("__sample");
         if (!sample)
             expect("float");
-        const Value value = newValue(sample ? 4 : 1);
-        m_program.parameters.push_back({ sample, value.registers.front() });
+        const Value value = m_emit.newValue(sample ? 4 : 1);
+        m_emit.program.parameters.push_back({ sample, value.registers.front() });
         name(identifier(), value);
     }
 
@@ -153,43 +128,6 @@ private:
         name(variable, value);
     }
 
-    /// Where the operation's result stands; what has been computed before is not computed again.
-    Register result(Operation operation, Register a, Register b, Register c = 0)
-    {
-        if (operation == Operation::Select && b == c)
-            return b;
-        for (const auto& known : m_program.instructions) {
-            if (known.operation == operation && known.a == a && known.b == b && known.c == c)
-                return known.to;
-        }
-        const Register to = newRegister();
-        m_program.instructions.push_back({ operation, to, a, b, c });
-        return to;
-    }
-
-    /// The operation for each component; a single number goes with every component of the other operand.
-    Value combined(Operation operation, const Value& a, const Value& b)
-    {
-        const std::size_t components = std::max(a.registers.size(), b.registers.size());
-        const auto fits = [&](const Value& v) { return v.registers.size() == components || v.registers.size() == 1; };
-        if (!fits(a) || !fits(b) || a.condition || b.condition)
-            throw NotUnderstood();
-        Value made;
-        const auto of = [](const Value& v, std::size_t i) { return v.registers[v.registers.size() == 1 ? 0 : i]; };
-        for (std::size_t i = 0; i < components; ++i)
-            made.registers.push_back(result(operation, of(a, i), of(b, i)));
-        return made;
-    }
-
-    Value compared(Operation operation, const Value& a, const Value& b)
-    {
-        if (a.registers.size() != 1 || b.registers.size() != 1)
-            throw NotUnderstood();
-        Value made = combined(operation, a, b);
-        made.condition = true;
-        return made;
-    }
-
     Value expression()
     {
         if (++m_depth > kDeepest)
@@ -204,8 +142,8 @@ private:
                 throw NotUnderstood();
             Value made;
             for (std::size_t i = 0; i < whenTrue.registers.size(); ++i)
-                made.registers.push_back(
-                    result(Operation::Select, value.registers.front(), whenTrue.registers[i], whenFalse.registers[i]));
+                made.registers.push_back(m_emit.result(
+                    Operation::Select, value.registers.front(), whenTrue.registers[i], whenFalse.registers[i]));
             value = made;
         }
         --m_depth;
@@ -216,15 +154,15 @@ private:
     {
         Value value = sum();
         if (accept(">"))
-            return compared(Operation::Greater, value, sum());
+            return m_emit.compared(Operation::Greater, value, sum());
         if (accept(">="))
-            return compared(Operation::GreaterEqual, value, sum());
+            return m_emit.compared(Operation::GreaterEqual, value, sum());
         if (accept("<"))
-            return compared(Operation::Greater, sum(), value);
+            return m_emit.compared(Operation::Greater, sum(), value);
         if (accept("<="))
-            return compared(Operation::GreaterEqual, sum(), value);
+            return m_emit.compared(Operation::GreaterEqual, sum(), value);
         if (accept("=="))
-            return compared(Operation::Equal, value, sum());
+            return m_emit.compared(Operation::Equal, value, sum());
         return value;
     }
 
@@ -233,9 +171,9 @@ private:
         Value value = product();
         for (;;) {
             if (accept("+"))
-                value = combined(Operation::Add, value, product());
+                value = m_emit.combined(Operation::Add, value, product());
             else if (accept("-"))
-                value = combined(Operation::Subtract, value, product());
+                value = m_emit.combined(Operation::Subtract, value, product());
             else
                 return value;
         }
@@ -246,9 +184,9 @@ private:
         Value value = operand();
         for (;;) {
             if (accept("*"))
-                value = combined(Operation::Multiply, value, operand());
+                value = m_emit.combined(Operation::Multiply, value, operand());
             else if (accept("/"))
-                value = combined(Operation::Divide, value, operand());
+                value = m_emit.combined(Operation::Divide, value, operand());
             else
                 return value;
         }
@@ -261,33 +199,8 @@ private:
             negative = !negative;
         Value value = primary();
         while (accept("."))
-            value = swizzled(value, identifier());
-        return negative ? combined(Operation::Subtract, constant(0), value) : value;
-    }
-
-    static Value swizzled(const Value& value, const QString& components)
-    {
-        Value made;
-        const QString letters
-            = QStringLiteral("rgba").contains(components.front()) ? QStringLiteral("rgba") : QStringLiteral("xyzw");
-        for (const QChar component : components) {
-            const qsizetype index = letters.indexOf(component);
-            if (index < 0 || std::size_t(index) >= value.registers.size() || components.size() > 4 || value.condition)
-                throw NotUnderstood();
-            made.registers.push_back(value.registers[std::size_t(index)]);
-        }
-        return made;
-    }
-
-    Value constant(float number)
-    {
-        for (const auto& known : m_program.constants) {
-            if (known.value == number)
-                return { { known.in } };
-        }
-        Value made = newValue(1);
-        m_program.constants.push_back({ made.registers.front(), number });
-        return made;
+            value = KernelEmitter::swizzled(value, identifier());
+        return negative ? m_emit.combined(Operation::Subtract, m_emit.constant(0), value) : value;
     }
 
     Value primary()
@@ -303,7 +216,7 @@ private:
             const float number = m_tokens[m_at].toFloat(&isNumber);
             if (isNumber) {
                 ++m_at;
-                return constant(number);
+                return m_emit.constant(number);
             }
         }
         const QString word = identifier();
@@ -322,56 +235,16 @@ private:
             arguments.push_back(expression());
         while (accept(","));
         expect(")");
-        const auto is = [&](const char* name, std::size_t count) {
-            return function == QLatin1String(name) && arguments.size() == count;
-        };
         if (function.startsWith(u"vec"))
-            return vector(componentsOf(function), arguments);
-        if (is("min", 2))
-            return combined(Operation::Minimum, arguments[0], arguments[1]);
-        if (is("max", 2))
-            return combined(Operation::Maximum, arguments[0], arguments[1]);
-        if (is("abs", 1))
-            return combined(Operation::Maximum, arguments[0], combined(Operation::Subtract, constant(0), arguments[0]));
-        if (is("clamp", 3))
-            return combined(Operation::Minimum, combined(Operation::Maximum, arguments[0], arguments[1]), arguments[2]);
-        if (is("mix", 3)) {
-            const Value difference = combined(Operation::Subtract, arguments[1], arguments[0]);
-            return combined(Operation::Add, arguments[0], combined(Operation::Multiply, difference, arguments[2]));
-        }
-        if (is("dot", 2) && arguments[0].registers.size() == arguments[1].registers.size())
-            return summed(combined(Operation::Multiply, arguments[0], arguments[1]));
-        throw NotUnderstood();
-    }
-
-    Value summed(const Value& value)
-    {
-        Value total { { value.registers.front() } };
-        for (std::size_t i = 1; i < value.registers.size(); ++i)
-            total = combined(Operation::Add, total, Value { { value.registers[i] } });
-        return total;
-    }
-
-    static Value vector(std::size_t components, const std::vector<Value>& arguments)
-    {
-        Value made;
-        for (const Value& argument : arguments) {
-            if (argument.condition)
-                throw NotUnderstood();
-            made.registers.insert(made.registers.end(), argument.registers.begin(), argument.registers.end());
-        }
-        if (arguments.size() == 1 && made.registers.size() == 1)
-            made.registers.resize(components, made.registers.front());
-        if (components < 2 || made.registers.size() != components)
-            throw NotUnderstood();
-        return made;
+            return KernelEmitter::vector(componentsOf(function), arguments);
+        return m_emit.called(function, arguments);
     }
 
     const std::vector<QString> m_tokens;
     std::size_t m_at = 0;
     int m_depth = 0;
     std::map<QString, Value> m_variables;
-    KernelProgram m_program;
+    KernelEmitter m_emit;
 };
 
 } // namespace
