@@ -62,11 +62,20 @@ QString readLimit(DemoOptions& options, const QString& value)
     return {};
 }
 
+QString readTextScale(DemoOptions& options, const QString& value)
+{
+    bool ok = false;
+    options.textScale = value.toDouble(&ok);
+    return ok && options.textScale >= 1 && options.textScale <= 3 ? QString()
+                                                                  : QStringLiteral("it takes a number from 1 to 3");
+}
+
 const QHash<QString, Reader>& valueOptions()
 {
     static const QHash<QString, Reader> options {
         { QStringLiteral("--seed"), readSeed },
         { QStringLiteral("--size"), readSize },
+        { QStringLiteral("--text-scale"), readTextScale },
         { QStringLiteral("--limit"), readLimit },
         { QStringLiteral("--out"), textInto(&DemoOptions::out) },
         { QStringLiteral("--card-front"), textInto(&DemoOptions::cardFront) },
@@ -150,6 +159,7 @@ holds the card and presses the buttons.
   --lose-card         the card slips away once while its chip is read, and is held there again
   --no-call           leave out the video call
   --size WxH          size of the window in points (390x844; with --camera 844x390)
+  --text-scale N      letters N times as large, 1 to 3
   --seed N            other specimens (1)
   --limit SECONDS     give up after so long (60; by hand no limit unless given)
   --out DIR           where the results go (out/demo)

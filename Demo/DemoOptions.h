@@ -17,6 +17,7 @@ struct DemoOptions
     std::uint32_t seed = 1;
     QString out = QStringLiteral("out/demo");
     std::optional<QSize> size; ///< Of the window in points; absent: 390×844, or 844×390 with a webcam.
+    double textScale = 1; ///< How much larger than ordinary letters are, 1 to 3.
     bool camera = false; ///< The device's own cameras instead of replayed ones.
     bool scripted = false; ///< The scripted person presses the buttons although a real one could.
     bool byHand = false; ///< A real person presses the buttons although the pictures are replayed.

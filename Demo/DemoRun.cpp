@@ -182,6 +182,7 @@ void DemoRun::giveUp(const QString& failure)
 void DemoRun::runFlow()
 {
     m_host = std::make_unique<DemoHost>(m_size, m_services);
+    m_host->view().setTextScale(m_options.textScale);
     openCall();
     m_host->view().setViewTypes(m_steps);
     m_person = std::make_unique<ScriptedPerson>(*m_host, *m_stage, !m_byHand);
@@ -267,7 +268,7 @@ int DemoRun::report()
     }
     m_host->view().stopScanning();
     QJsonArray gallery;
-    takeGallery(m_size, [&](const QString& name, const QImage& screen) {
+    takeGallery(m_size, m_options.textScale, [&](const QString& name, const QImage& screen) {
         gallery.append(m_folder.write(QStringLiteral("gallery"), name, screen));
         m_sheet.append(sheetEntry(name, screen));
     });

@@ -40,7 +40,7 @@ void settle()
     loop.exec();
 }
 
-QImage take(const Situation& situation, const QSize& size)
+QImage take(const Situation& situation, const QSize& size, double textScale)
 {
     PlatformServices services;
     services.cameras
@@ -48,6 +48,7 @@ QImage take(const Situation& situation, const QSize& size)
             camera(situation.frontCamera, AVCaptureDevicePosition::Front));
     DemoHost host(size, services);
     host.setAttribute(Qt::WA_DontShowOnScreen);
+    host.view().setTextScale(textScale);
     host.view().setForceNfc(situation.forceNfc);
     host.view().setViewTypes(situation.steps);
     host.show();
@@ -61,7 +62,8 @@ QImage take(const Situation& situation, const QSize& size)
 
 } // namespace
 
-void takeGallery(const QSize& size, const std::function<void(const QString& name, const QImage& screen)>& taken)
+void takeGallery(
+    const QSize& size, double textScale, const std::function<void(const QString& name, const QImage& screen)>& taken)
 {
     const Situation situations[] {
         { "no-back-camera", false, true, false, { ViewType::idPhoto, ViewType::selfie } },
@@ -73,7 +75,7 @@ void takeGallery(const QSize& size, const std::function<void(const QString& name
         { "call-without-a-server", true, true, false, { ViewType::jitsi }, true },
     };
     for (const Situation& situation : situations)
-        taken(QLatin1String(situation.name), take(situation, size));
+        taken(QLatin1String(situation.name), take(situation, size, textScale));
 }
 
 } // namespace kelvara::demo

@@ -353,6 +353,7 @@ TEST_P(DemoRefusals, EndWithOneSentence)
 INSTANTIATE_TEST_SUITE_P(Rows, DemoRefusals,
     testing::Values(Refusal { "UnknownOption", { text("--nonsense") }, "\"--nonsense\" is not an option" },
         Refusal { "NoValue", { text("--seed") }, "--seed needs a value" },
+        Refusal { "LettersTooLarge", { text("--text-scale"), text("4") }, "a number from 1 to 3" },
         Refusal { "NotANumber", { text("--seed"), text("x") }, "--seed cannot be \"x\"" },
         Refusal { "TooSmall", { text("--size"), text("10x10") }, "--size cannot be \"10x10\"" },
         Refusal { "NoTime", { text("--limit=0") }, "--limit cannot be \"0\"" },
