@@ -75,7 +75,7 @@ QImage contactSheet(const QString& title, const QList<SheetEntry>& screens)
     painter.drawText(QRect(kGap, 0, sheet.width() - 2 * kGap, kTitle), Qt::AlignVCenter | Qt::AlignLeft, title);
     for (int i = 0; i < screens.size(); ++i) {
         const int row = i / columns;
-        const QPointF corner(kGap + (i % columns) * (kWidth + kGap), kTitle + row * (height + kCaption + kGap / 2));
+        const QPoint corner(kGap + (i % columns) * (kWidth + kGap), kTitle + row * (height + kCaption + kGap / 2));
         drawScreen(painter, QRectF(corner, QSizeF(kWidth, height)), screens[i]);
     }
     return sheet;

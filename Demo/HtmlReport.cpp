@@ -75,7 +75,8 @@ QString deliveries(const QJsonArray& calls)
     QString items;
     for (const QJsonValue& call : calls) {
         QString pictures;
-        for (const QJsonValue& picture : call[QLatin1String("pictures")].toArray())
+        const QJsonArray delivered = call[QLatin1String("pictures")].toArray();
+        for (const QJsonValue& picture : delivered)
             pictures += figure(member(picture, "file"), member(picture, "argument"));
         items += QStringLiteral("<li><time>%1</time><div><code>%2</code>%3</div></li>")
                      .arg(seconds(call[QLatin1String("atMilliseconds")]), escaped(member(call, "method")),

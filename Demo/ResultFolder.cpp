@@ -30,7 +30,8 @@ QString fileNameOf(const Delivery& delivery, const DeliveredPicture& picture)
         return QStringLiteral("chip-portrait");
     QString name = delivery.method;
     name.remove(QStringLiteral("didCapture")).remove(QStringLiteral("Photo"));
-    name.replace(QRegularExpression(QStringLiteral("(?<=[a-z])(?=[A-Z])")), QStringLiteral("-"));
+    static const QRegularExpression betweenWords(QStringLiteral("(?<=[a-z])(?=[A-Z])"));
+    name.replace(betweenWords, QStringLiteral("-"));
     return name.toLower() + (picture.argument == QStringLiteral("cropImage") ? QStringLiteral("-crop") : QString());
 }
 

@@ -8,21 +8,30 @@ namespace kelvara {
 
 namespace {
 
-std::mutex calendarMutex;
-QCalendar chosenCalendar;
+struct Choice
+{
+    std::mutex mutex;
+    QCalendar calendar;
+};
+
+Choice& choice()
+{
+    static Choice made;
+    return made;
+}
 
 } // namespace
 
 QCalendar deviceCalendar()
 {
-    const std::lock_guard lock(calendarMutex);
-    return chosenCalendar;
+    const std::lock_guard lock(choice().mutex);
+    return choice().calendar;
 }
 
 void setDeviceCalendar(const QCalendar& calendar)
 {
-    const std::lock_guard lock(calendarMutex);
-    chosenCalendar = calendar;
+    const std::lock_guard lock(choice().mutex);
+    choice().calendar = calendar;
 }
 
 QString toString(const QDate& date, const QString& format)

@@ -6,7 +6,7 @@ namespace kelvara {
 
 namespace {
 
-const QString kThresholdName = QStringLiteral("LuminanceThresholdFilter");
+constexpr QLatin1String kThresholdName("LuminanceThresholdFilter");
 
 }
 

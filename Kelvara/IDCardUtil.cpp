@@ -10,9 +10,9 @@ namespace kelvara {
 
 namespace {
 
-const QString passportNumberKey = QStringLiteral("passportNumber");
-const QString dateOfBirthKey = QStringLiteral("dateOfBirth");
-const QString expiryDateKey = QStringLiteral("expiryDate");
+constexpr QLatin1String passportNumberKey("passportNumber");
+constexpr QLatin1String dateOfBirthKey("dateOfBirth");
+constexpr QLatin1String expiryDateKey("expiryDate");
 
 } // namespace
 

@@ -83,7 +83,7 @@ std::vector<MrzLineReading> consensusOf(const std::vector<std::vector<MrzLineRea
             QString alternatives;
             for (std::size_t v = 1; v < voices.size(); ++v)
                 alternatives += voices[v].character;
-            for (const QChar other : others) {
+            for (const QChar other : std::as_const(others)) {
                 if (other != winner.character && !alternatives.contains(other))
                     alternatives += other;
             }

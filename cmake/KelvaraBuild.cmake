@@ -13,7 +13,7 @@ target_compile_options(kelvara_options INTERFACE -Wall -Wextra -Wpedantic -Wshad
                        -Woverloaded-virtual -fno-math-errno -pthread)
 if(CMAKE_UNITY_BUILD)
     # What one file names may well be hidden in another; builds of single files look for it.
-    target_compile_options(kelvara_options INTERFACE -Wno-shadow -Wno-subobject-linkage)
+    target_compile_options(kelvara_options INTERFACE -Wno-shadow $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
 endif()
 target_compile_definitions(kelvara_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII
                            QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)

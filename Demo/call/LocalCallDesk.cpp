@@ -28,9 +28,10 @@ public:
 
     [[nodiscard]] QJsonObject report() const override
     {
-        if (m_server.visits().isEmpty())
+        const auto visits = m_server.visits();
+        if (visits.isEmpty())
             return {};
-        const LocalConference::Visit visit = m_server.visits().back();
+        const LocalConference::Visit& visit = visits.back();
         return { { QStringLiteral("room"), visit.room }, { QStringLiteral("hasVideo"), visit.hasVideo },
             { QStringLiteral("hasAudio"), visit.hasAudio } };
     }

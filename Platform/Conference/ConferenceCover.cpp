@@ -30,12 +30,16 @@ constexpr int kTurnDegrees = 9;
 constexpr QColor kAccent { 27, 170, 194 };
 constexpr QColor kWarning { 0xf0, 0xb4, 0x4c };
 
-// White on it has a contrast of 5 : 1, on the accent itself not even 3.
-const QString kActionStyle = QStringLiteral(
-    "QPushButton { background: #0d7688; color: white; border: 2px solid transparent; border-radius: 10px;"
-    " padding: 0 24px; font-size: %1px; font-weight: 600; }"
-    "QPushButton:hover { background: #0b6777; } QPushButton:pressed { background: #095966; }"
-    "QPushButton:focus { border-color: #bfe9f1; }");
+QString actionStyle(int letters)
+{
+    // White on it has a contrast of 5 : 1, on the accent itself not even 3.
+    return QStringLiteral(
+        "QPushButton { background: #0d7688; color: white; border: 2px solid transparent; border-radius: 10px;"
+        " padding: 0 24px; font-size: %1px; font-weight: 600; }"
+        "QPushButton:hover { background: #0b6777; } QPushButton:pressed { background: #095966; }"
+        "QPushButton:focus { border-color: #bfe9f1; }")
+        .arg(letters);
+}
 
 } // namespace
 
@@ -122,7 +126,7 @@ bool ConferenceCover::takeLetters(double scale)
     QFont font = m_sentence->font();
     font.setPixelSize(letters);
     m_sentence->setFont(font);
-    m_action->setStyleSheet(kActionStyle.arg(letters));
+    m_action->setStyleSheet(actionStyle(letters));
     const int action = std::max(kActionHeight, QFontMetrics(font).height() + kActionAir);
     m_action->setFixedHeight(action);
     const int gaps = (layout()->count() - 1) * layout()->spacing();

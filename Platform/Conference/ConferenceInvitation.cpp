@@ -6,8 +6,8 @@ namespace kelvara {
 
 namespace {
 
-const QString kSecure = QStringLiteral("https");
-const QString kPlain = QStringLiteral("http");
+constexpr QLatin1String kSecure("https");
+constexpr QLatin1String kPlain("http");
 
 bool isThisMachine(const QString& host)
 {

@@ -38,7 +38,7 @@ Q_SIGNALS:
     void joined(const QVariantMap& data);
     /// The client has left the conference, by itself or because it was told to.
     void ended(const QVariantMap& data);
-    void failed(const ConferenceError& error, const QVariantMap& data);
+    void failed(const kelvara::ConferenceError& error, const QVariantMap& data);
 };
 
 } // namespace kelvara

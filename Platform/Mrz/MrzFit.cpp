@@ -34,7 +34,7 @@ public:
         fitOptional(m_format.optional1, m_result.shapes.optional1);
         fitOptional(m_format.optional2, m_result.shapes.optional2);
         fitNames();
-        return std::move(m_result);
+        return m_result;
     }
 
 private:

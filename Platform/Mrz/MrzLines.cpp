@@ -70,6 +70,7 @@ std::optional<QStringList> mrzLines(const QString& text)
 std::optional<std::vector<MrzLineReading>> mrzLines(const std::vector<MrzLineReading>& lines)
 {
     std::vector<MrzLineReading> joined;
+    joined.reserve(lines.size());
     for (const MrzLineReading& line : lines)
         joined.push_back(withoutSpaces(line));
     return longOnes(joined);

@@ -58,7 +58,7 @@ private:
         for (std::size_t i = first; i < m_open.size(); ++i) {
             MrzCell& cell = *m_open[i];
             const char16_t taken = cell.taken;
-            for (const QChar rival : cell.rivals) {
+            for (const QChar rival : std::as_const(cell.rivals)) {
                 cell.taken = rival.unicode();
                 m_exchanges.emplace_back(&cell, cell.taken);
                 tryFrom(i + 1);

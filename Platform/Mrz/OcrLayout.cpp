@@ -67,6 +67,7 @@ double slopeOf(const std::vector<Component>& glyphs, double height)
     for (int step = -20; step <= 20; ++step) {
         const double slope = std::tan(step * 0.2 * std::numbers::pi / 180);
         std::vector<double> heights;
+        heights.reserve(glyphs.size());
         for (const Component& c : glyphs)
             heights.push_back(c.y() - slope * c.x());
         std::sort(heights.begin(), heights.end());

@@ -51,7 +51,7 @@ float cornerEvidence(
             const cv::Point pixel(static_cast<int>(std::floor(at.x)) + dx, static_cast<int>(std::floor(at.y)) + dy);
             if (!all.contains(pixel))
                 continue;
-            const cv::Vec4b value = bgra.at<cv::Vec4b>(pixel);
+            const cv::Vec4b& value = bgra.at<cv::Vec4b>(pixel);
             color += cv::Vec3f(value[0], value[1], value[2]);
             ++count;
         }

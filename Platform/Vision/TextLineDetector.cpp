@@ -47,8 +47,9 @@ int inkThreshold(const cv::Mat& ink)
         for (int x = 0; x < ink.cols; ++x)
             ++counts[row[x]];
     }
+    const int rowsLookedAt = (ink.rows + 1) / 2;
     const auto quantile = [&](double part) {
-        const double wanted = part * ((ink.rows + 1) / 2) * ink.cols;
+        const double wanted = part * rowsLookedAt * ink.cols;
         double sum = 0;
         int level = 0;
         while (level < 255 && (sum += counts[static_cast<std::size_t>(level)]) < wanted)

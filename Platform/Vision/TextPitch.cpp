@@ -108,7 +108,7 @@ double capitalOf(const cv::Mat& strokes, const std::vector<TextRow>& rows, doubl
         const int characters = int(row.length() / pitch);
         const double dx = pitch / along;
         const double dy = pitch / 20;
-        const cv::Matx23d map(dx, -row.slope * dy, row.left, row.slope * dx, dy, row.y(row.left) - across / 2 * dy);
+        const cv::Matx23d map(dx, -row.slope * dy, row.left, row.slope * dx, dy, row.y(row.left) - across / 2.0 * dy);
         cv::Mat strip;
         cv::warpAffine(strokes, strip, map, { characters * along, across }, cv::INTER_LINEAR | cv::WARP_INVERSE_MAP,
             cv::BORDER_REPLICATE);

@@ -73,7 +73,7 @@ struct VNImageRequestHandler::State
 };
 
 VNImageRequestHandler::VNImageRequestHandler(QImage image, CGImagePropertyOrientation orientation,
-    [[maybe_unused]] QVariantMap options, std::shared_ptr<const VisionDetectors> detectors)
+    [[maybe_unused]] const QVariantMap& options, std::shared_ptr<const VisionDetectors> detectors)
     : d(std::make_unique<State>())
 {
     d->image.emplace(UIImage(std::move(image), 1.0, imageOrientation(orientation)).toQImage());

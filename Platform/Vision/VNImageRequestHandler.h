@@ -21,7 +21,7 @@ public:
     /// `image` is turned upright by `orientation` before the analysis; what is found is normalised to the upright
     /// image. Its pixels are shared (copied only when there is something to turn) and must not change while this
     /// lives. No options are defined; what is in `options` is ignored. Without `detectors` no request can be served.
-    VNImageRequestHandler(QImage image, CGImagePropertyOrientation orientation, QVariantMap options,
+    VNImageRequestHandler(QImage image, CGImagePropertyOrientation orientation, const QVariantMap& options,
         std::shared_ptr<const VisionDetectors> detectors);
     ~VNImageRequestHandler();
 

@@ -76,7 +76,8 @@ QString problemOfPortrait(const ChipOptions& options)
 std::optional<QString> accessKeyOfZone(const QString& zone)
 {
     QString characters = zone.toUpper();
-    characters.remove(QRegularExpression(QStringLiteral("\\s")));
+    static const QRegularExpression spaces(QStringLiteral("\\s"));
+    characters.remove(spaces);
     const qsizetype length = characters.size() == 90 ? 30 : characters.size() / 2;
     QStringList lines;
     for (qsizetype at = 0; length > 0 && at < characters.size(); at += length)

@@ -33,7 +33,8 @@ struct Tally
 QStringList truthOf(const QJsonObject& entry)
 {
     QStringList lines;
-    for (const QJsonValue& line : entry[QLatin1String("mrz")].toArray())
+    const QJsonArray written = entry[QLatin1String("mrz")].toArray();
+    for (const QJsonValue& line : written)
         lines << line.toString();
     return lines;
 }
@@ -90,7 +91,8 @@ int main(int argc, char** argv)
     const QKMRZParser parser(true);
     MrzPageReader reader(engine, parser);
     Tally tally;
-    for (const QJsonValue& value : QJsonDocument::fromJson(file.readAll()).array()) {
+    const QJsonArray entries = QJsonDocument::fromJson(file.readAll()).array();
+    for (const QJsonValue& value : entries) {
         const QJsonObject entry = value.toObject();
         const QString name = entry[QLatin1String("file")].toString();
         QElapsedTimer timer;

@@ -78,7 +78,7 @@ Zone zoneOf(Document document, std::uint32_t seed)
     const QString state = QString::fromUtf16(issuer.state);
     zone.documentNumber = drawn(dice, QStringView(issuer.shape));
     zone.personalNumber = dice.chance(0.5) ? QString() : drawn(dice, QStringView(u"9999999").first(dice.integer(4, 7)));
-    const QString name = data.mrzLines()[2];
+    const QString name = data.mrzLines().at(2);
     const QString number = checked(filled(zone.documentNumber, 9));
     const QString birth = checked(QLocale::c().toString(data.birthDate, QStringLiteral("yyMMdd")));
     const QString expiry = checked(QLocale::c().toString(data.expiryDate, QStringLiteral("yyMMdd")));

@@ -17,6 +17,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <exception>
 
 using namespace kelvara;
 using namespace kelvara::specimen;
@@ -93,9 +94,14 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
-    dlib::frontal_face_detector detector = dlib::get_frontal_face_detector();
-    if (argc > 1)
-        return write(detector, QString::fromLocal8Bit(argv[1])) ? 0 : 1;
-    compare(detector);
+    try {
+        dlib::frontal_face_detector detector = dlib::get_frontal_face_detector();
+        if (argc > 1)
+            return write(detector, QString::fromLocal8Bit(argv[1])) ? 0 : 1;
+        compare(detector);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "ExportFaceModel: %s\n", error.what());
+        return 1;
+    }
     return 0;
 }

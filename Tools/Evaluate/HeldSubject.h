@@ -29,6 +29,7 @@ inline constexpr double kFramesPerSecond = 30;
     options.size = kFrame;
     options.frame = area;
     std::vector<QImage> frames;
+    frames.reserve(count);
     for (int i = 0; i < count; ++i)
         frames.push_back(photograph(data, shaken(options, i / kFramesPerSecond)).image);
     return frames;

@@ -7,6 +7,7 @@
 #include <QPolygonF>
 
 #include <algorithm>
+#include <cmath>
 #include <ctime>
 #include <opencv2/imgproc.hpp>
 #include <thread>
@@ -33,7 +34,7 @@ struct RectangleTally
             return 0;
         std::vector<double> sorted = milliseconds;
         std::sort(sorted.begin(), sorted.end());
-        return sorted[static_cast<std::size_t>(quantile * static_cast<double>(sorted.size() - 1) + 0.5)];
+        return sorted[static_cast<std::size_t>(std::lround(quantile * static_cast<double>(sorted.size() - 1)))];
     }
 
     void add(const RectangleTally& other)
@@ -52,6 +53,7 @@ using Outline = std::vector<cv::Point2f>;
 [[nodiscard]] inline Outline outlineOf(const QPolygonF& polygon)
 {
     Outline outline;
+    outline.reserve(static_cast<std::size_t>(polygon.size()));
     for (const QPointF& point : polygon)
         outline.emplace_back(static_cast<float>(point.x()), static_cast<float>(point.y()));
     return outline;
@@ -117,6 +119,7 @@ inline void judge(const RectangleDetector& detector, const specimen::Scene& scen
     std::vector<std::vector<RectangleTally>> parts(
         static_cast<std::size_t>(threads), std::vector<RectangleTally>(detectors.size()));
     std::vector<std::thread> workers;
+    workers.reserve(static_cast<std::size_t>(threads));
     for (int worker = 0; worker < threads; ++worker) {
         workers.emplace_back([&, worker] {
             for (int i = worker; i < count; i += threads) {

@@ -7,6 +7,7 @@
 #include <QPainterPath>
 #include <QTransform>
 
+#include <cmath>
 #include <opencv2/imgproc.hpp>
 
 namespace kelvara::ocrb {
@@ -118,8 +119,9 @@ std::optional<QImage> paintBand(const QStringList& lines, const BandOptions& opt
                 = std::cos(slant) * (double(x) / cover.cols - 0.5) + std::sin(slant) * (double(y) / cover.rows - 0.5);
             const double level = (options.ink + (options.paper - options.ink) * double(cover.at<float>(y, x)))
                 * (1 + options.shade * across);
-            const auto noisy
-                = [&](double value) { return int(std::clamp(value + dice.normal(options.noise), 0.0, 255.0) + 0.5); };
+            const auto noisy = [&](double value) {
+                return int(std::lround(std::clamp(value + dice.normal(options.noise), 0.0, 255.0)));
+            };
             const int grey = noisy(level);
             out[x] = qRgb(grey, grey, grey);
         }

@@ -17,9 +17,6 @@ constexpr std::int64_t kOnItsWay = 2;
 /// Far longer than any look, but a camera that fails meanwhile must not be waited for.
 constexpr std::chrono::milliseconds kLongestLook { 10'000 };
 
-const QString kRoom = QStringLiteral("room");
-const QString kToken = QStringLiteral("token");
-
 template<typename... Parts> struct Overloaded : Parts...
 {
     using Parts::operator()...;
@@ -222,7 +219,7 @@ void ReplaySession::join(const QString& url)
     if (!m_view)
         return;
     const int before = callViews();
-    m_view->setJitsiConference(url, kRoom, kToken);
+    m_view->setJitsiConference(url, QStringLiteral("room"), QStringLiteral("token"));
     if (m_view && callViews() > before)
         ++m_joined;
 }

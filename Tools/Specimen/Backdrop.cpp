@@ -24,7 +24,10 @@ constexpr double margin = 1.25;
 constexpr double marginForTurn = 0.2;
 
 /// The card's own mean colour (B, G, R), for surfaces that hide it.
-const cv::Scalar cardColour(222, 226, 218, 255);
+cv::Scalar cardColour()
+{
+    return { 222, 226, 218, 255 };
+}
 
 cv::Vec3d tone(Dice& dice, const cv::Vec3d& low, const cv::Vec3d& high)
 {
@@ -151,7 +154,7 @@ Backdrop makeBackdrop(const SceneOptions& options)
     painter.end();
     if (options.lowContrast > 0) {
         const double share = std::min(1.0, options.lowContrast) * 0.9;
-        const cv::Mat plain(picture.size(), CV_8UC4, cardColour);
+        const cv::Mat plain(picture.size(), CV_8UC4, cardColour());
         cv::addWeighted(picture, 1 - share, plain, share, 0, picture);
     }
     return backdrop;

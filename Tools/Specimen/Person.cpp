@@ -26,9 +26,17 @@ namespace {
 constexpr double enlargement = 3;
 
 // Where things are in the source picture, in its pixels.
-const cv::Rect2d sourceFace(174, 64, 103, 115);
-const cv::Rect2d sourceHead(153, 15, 149, 164);
-const cv::Point2d faceCentre(225, 122);
+cv::Rect2d sourceFace()
+{
+    return { 174, 64, 103, 115 };
+}
+
+cv::Rect2d sourceHead()
+{
+    return { 153, 15, 149, 164 };
+}
+
+constexpr double faceMiddle = 225; ///< From the left.
 
 /// A patch of the face that is pushed smoothly aside, or drawn together (`squeeze` < 0) or apart.
 struct Push
@@ -193,7 +201,7 @@ cv::Point2d shownAt(cv::Point2d p, const Traits& t, int sourceWidth)
     const double c = std::cos(angle * head);
     const double s = std::sin(angle * head);
     const cv::Point2d turned = neck + cv::Point2d(c * d.x + s * d.y, -s * d.x + c * d.y);
-    cv::Point2d q((turned.x - faceCentre.x) / (1 + (t.width - 1) * head) + faceCentre.x,
+    cv::Point2d q((turned.x - faceMiddle) / (1 + (t.width - 1) * head) + faceMiddle,
         (turned.y - 195) / (1 + (t.height - 1) * head) + 195);
     for (const Push& push : t.pushes) {
         const cv::Point2d r = q - push.centre;
@@ -258,6 +266,9 @@ Person makePerson(std::uint32_t seed)
     Person person;
     person.image = QImage(width, height, QImage::Format_ARGB32_Premultiplied);
     cv::Mat pixels = pixelsOf(person.image);
+    // Never negative, and rounding by a function would be a call for each pixel.
+    const auto level
+        = [](float value) { return static_cast<uchar>(value + 0.5F); }; // NOLINT(bugprone-incorrect-roundings)
     for (int y = 0; y < height; ++y) {
         auto* out = pixels.ptr<cv::Vec4b>(y);
         const auto* in = bgr.ptr<cv::Vec3b>(y);
@@ -265,8 +276,8 @@ Person makePerson(std::uint32_t seed)
         for (int x = 0; x < width; ++x) {
             const float o = std::clamp(opacity[x], 0.0F, 1.0F);
             for (int c = 0; c < 3; ++c)
-                out[x][c] = static_cast<uchar>(static_cast<float>(in[x][c]) * o + 0.5F);
-            out[x][3] = static_cast<uchar>(255 * o + 0.5F);
+                out[x][c] = level(static_cast<float>(in[x][c]) * o);
+            out[x][3] = level(255 * o);
         }
     }
     // Cloth has no fine detail: half the size will do.
@@ -277,8 +288,8 @@ Person makePerson(std::uint32_t seed)
     painter.setCompositionMode(QPainter::CompositionMode_DestinationOver);
     painter.drawImage(person.image.rect(), garment.behind.mirrored(t.mirrored, false));
     painter.end();
-    person.face = moved(sourceFace, map);
-    person.head = moved(sourceHead, map);
+    person.face = moved(sourceFace(), map);
+    person.head = moved(sourceHead(), map);
     return person;
 }
 

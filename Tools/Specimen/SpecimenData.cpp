@@ -46,7 +46,7 @@ QString drawDocumentNumber(Dice& dice)
     // I and O are left out, as issuers do, because they are read as digits.
     static const QString letters = QStringLiteral("ABCDEFGHJKLMNPRSTUVYZ");
     QString text;
-    for (const QChar kind : QStringLiteral("A99A99999")) {
+    for (const QChar kind : QStringView(u"A99A99999")) {
         text += kind == u'A' ? letters[dice.integer(0, static_cast<int>(letters.size()) - 1)]
                              : QChar(u'0' + dice.integer(0, 9));
     }

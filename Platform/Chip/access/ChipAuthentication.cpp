@@ -43,7 +43,7 @@ std::optional<ChipAuthenticationSelection> chooseChipAuthentication(const Securi
     return best;
 }
 
-ChipAuthentication::ChipAuthentication(ChipAuthenticationSelection selection, RandomSource random)
+ChipAuthentication::ChipAuthentication(ChipAuthenticationSelection selection, const RandomSource& random)
     : m_selection(std::move(selection))
 {
     const KeyAgreementGroup& group = *m_selection.key.group;

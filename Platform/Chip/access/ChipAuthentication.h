@@ -27,7 +27,7 @@ struct ChipAuthenticationSelection
 class ChipAuthentication final : public AccessProtocol
 {
 public:
-    explicit ChipAuthentication(ChipAuthenticationSelection selection, RandomSource random = secureRandom());
+    explicit ChipAuthentication(ChipAuthenticationSelection selection, const RandomSource& random = secureRandom());
 
 private:
     void advance(const ResponseApdu& response) override;

@@ -25,7 +25,7 @@ HolderName HolderName::parse(const QString& written)
 
 QString HolderName::written() const
 {
-    const auto fillers = [](QString text) { return text.simplified().replace(u' ', u'<'); };
+    const auto fillers = [](const QString& text) { return text.simplified().replace(u' ', u'<'); };
     return secondary.isEmpty() ? fillers(primary) : fillers(primary) + QLatin1String("<<") + fillers(secondary);
 }
 

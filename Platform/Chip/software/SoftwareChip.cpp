@@ -191,8 +191,8 @@ std::map<DataGroupId, Bytes> SoftwareChip::files() const
 VirtualReaderCard::Card virtualReaderCard(std::shared_ptr<SoftwareChip> chip)
 {
     Bytes atr = chip->answerToReset();
-    return { [chip](ByteView command) { return chip->transmit(command); }, [chip] { chip->powerUp(); },
-        std::move(atr) };
+    return { [chip](ByteView command) { return chip->transmit(command); },
+        [chip = std::move(chip)] { chip->powerUp(); }, std::move(atr) };
 }
 
 } // namespace kelvara::chip::software

@@ -17,7 +17,7 @@ class SoakRun
 {
 public:
     /// Scripts go to `folder`; reports to `output`, borrowed.
-    SoakRun(QDir folder, std::FILE* output) : m_folder(std::move(folder)), m_output(output) { }
+    SoakRun(const QDir& folder, std::FILE* output) : m_folder(folder), m_output(output) { }
 
     /// Plays until the time is over. Flow n has the seed `seed` + n.
     void run(std::chrono::seconds time, std::uint32_t seed);

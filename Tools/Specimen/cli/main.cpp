@@ -19,14 +19,22 @@ namespace {
 
 using namespace kelvara::specimen;
 
-const std::vector<std::pair<QString, Subject>> subjects { { QStringLiteral("front"), Subject::Front },
-    { QStringLiteral("back"), Subject::Back }, { QStringLiteral("nothing"), Subject::Nothing },
-    { QStringLiteral("hand"), Subject::Hand }, { QStringLiteral("phone"), Subject::Phone },
-    { QStringLiteral("selfie"), Subject::Selfie } };
-const std::vector<std::pair<QString, Background>> backgrounds { { QStringLiteral("desk"), Background::Desk },
-    { QStringLiteral("wood"), Background::Wood }, { QStringLiteral("cloth"), Background::Cloth },
-    { QStringLiteral("text"), Background::TextPage }, { QStringLiteral("white"), Background::NearWhite },
-    { QStringLiteral("keyboard"), Background::Keyboard }, { QStringLiteral("dark"), Background::Dark } };
+template<typename Value> using Names = std::vector<std::pair<QString, Value>>;
+
+Names<Subject> subjects()
+{
+    return { { QStringLiteral("front"), Subject::Front }, { QStringLiteral("back"), Subject::Back },
+        { QStringLiteral("nothing"), Subject::Nothing }, { QStringLiteral("hand"), Subject::Hand },
+        { QStringLiteral("phone"), Subject::Phone }, { QStringLiteral("selfie"), Subject::Selfie } };
+}
+
+Names<Background> backgrounds()
+{
+    return { { QStringLiteral("desk"), Background::Desk }, { QStringLiteral("wood"), Background::Wood },
+        { QStringLiteral("cloth"), Background::Cloth }, { QStringLiteral("text"), Background::TextPage },
+        { QStringLiteral("white"), Background::NearWhite }, { QStringLiteral("keyboard"), Background::Keyboard },
+        { QStringLiteral("dark"), Background::Dark } };
+}
 
 struct Amount
 {
@@ -90,14 +98,13 @@ int fail(const QString& message)
     return 1;
 }
 
-template<typename Value>
-std::optional<Value> named(const std::vector<std::pair<QString, Value>>& table, const QString& name)
+template<typename Value> std::optional<Value> named(const Names<Value>& table, const QString& name)
 {
     const auto found = std::find_if(table.begin(), table.end(), [&](const auto& entry) { return entry.first == name; });
     return found == table.end() ? std::nullopt : std::optional(found->second);
 }
 
-template<typename Value> QString namesOf(const std::vector<std::pair<QString, Value>>& table)
+template<typename Value> QString namesOf(const Names<Value>& table)
 {
     QStringList names;
     std::transform(
@@ -125,8 +132,8 @@ int main(int argc, char** argv)
     const auto option = [&](const QString& name, const QString& help, const QString& preset = {}) {
         parser.addOption({ name, help, QStringLiteral("value"), preset });
     };
-    option(QStringLiteral("subject"), namesOf(subjects), QStringLiteral("front"));
-    option(QStringLiteral("background"), namesOf(backgrounds), QStringLiteral("desk"));
+    option(QStringLiteral("subject"), namesOf(subjects()), QStringLiteral("front"));
+    option(QStringLiteral("background"), namesOf(backgrounds()), QStringLiteral("desk"));
     option(QStringLiteral("seed"), QStringLiteral("chooses the person and everything left open"), QStringLiteral("1"));
     option(QStringLiteral("size"), QStringLiteral("WIDTHxHEIGHT of the picture"), QStringLiteral("1000x700"));
     option(QStringLiteral("out"), QStringLiteral("path without its ending"), QStringLiteral("specimen"));
@@ -140,8 +147,8 @@ int main(int argc, char** argv)
     parser.process(application);
 
     const QString subjectName = parser.value(QStringLiteral("subject"));
-    const auto subject = named(subjects, subjectName);
-    const auto background = named(backgrounds, parser.value(QStringLiteral("background")));
+    const auto subject = named(subjects(), subjectName);
+    const auto background = named(backgrounds(), parser.value(QStringLiteral("background")));
     bool seedRight = false;
     const std::uint32_t seed = parser.value(QStringLiteral("seed")).toUInt(&seedRight);
     const QStringList sides = parser.value(QStringLiteral("size")).split(u'x');
