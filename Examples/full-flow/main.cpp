@@ -1,6 +1,5 @@
 // A host and its test in one: an invented person goes through all four steps, without a camera, a card, a server or a
-// display. What is played is the outside only; pictures are found, the zone and the chip are read and the call is held
-// as anywhere else.
+// display. Only the outside is played: cards are found, zone and chip read and the call is held as anywhere else.
 
 #include <Kelvara/QKMRZScanResult.h>
 #include <Kelvara/QorvelKycView.h>
