@@ -144,6 +144,7 @@ int main(int argc, char** argv)
     if (isWhole)
         std::puts("All four steps were gone through.");
     else
-        std::printf("The flow ended without all that belongs to it, before: %s\n", qUtf8Printable(wanted.value(0)));
+        std::printf(
+            "Something is missing. Still to be pressed: %s\n", qUtf8Printable(wanted.join(QStringLiteral(", "))));
     return isWhole ? 0 : 1;
 }
