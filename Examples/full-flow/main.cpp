@@ -144,7 +144,6 @@ int main(int argc, char** argv)
     if (isWhole)
         std::puts("All four steps were gone through.");
     else
-        std::printf(
-            "Something is missing. Still to be pressed: %s\n", qUtf8Printable(wanted.join(QStringLiteral(", "))));
+        std::printf("Something is missing. Still to be pressed: %s\n", qUtf8Printable(wanted.join(u", ")));
     return isWhole ? 0 : 1;
 }
