@@ -5,7 +5,7 @@
 #include "Platform/Foundation/UserDefaults.h"
 #include "Platform/Vision/VNImageRequestHandler.h"
 #include "Platform/Vision/VisionDetectors.h"
-#include "Tools/Specimen/Scene.h"
+#include "Tools/Specimen/ScanAreas.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -58,15 +58,8 @@ BENCHMARK(BM_AnalyseFrontCrop)->Args({ 1000, 700 })->Args({ 798, 562 })->Unit(be
 
 PlatformServices replayServices(QSize frame)
 {
-    const SpecimenData data = SpecimenData::fromSeed(1);
-    SceneOptions options;
-    options.size = frame;
-    // The card cut-out (351 of 390 points) of the frame as a 390 × 844 view shows it.
-    const double scale = frame.height() / 844.0;
-    options.frame = QRectF(0, 0, 351 * scale, 351 / 1.42 * scale);
-    options.frame.moveCenter(QPointF(frame.width(), frame.height()) / 2);
-    options.fill = 0.93;
-    const QImage picture = photograph(data, options).image;
+    const auto areas = ScanAreas::of({ 390, 844 }, frame);
+    const QImage picture = photograph(SpecimenData::fromSeed(1), areas.held(Subject::Front)).image;
     const auto camera = [&](AVCaptureDevicePosition position) {
         return std::make_shared<ReplayCamera>(
             ReplaySource::still(picture), ReplayCameraOptions { .position = position });

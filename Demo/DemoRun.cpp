@@ -4,11 +4,11 @@
 #include "Demo/Diagnosis.h"
 #include "Demo/Gallery.h"
 #include "Demo/MrzReport.h"
-#include "Demo/ScanAreas.h"
 #include "Platform/Capture/CameraProvider.h"
 #include "Platform/Chip/NFCReaderSession.h"
 #include "Platform/PlatformServices.h"
 #include "Platform/Vision/VisionDetectors.h"
+#include "Tools/Specimen/ScanAreas.h"
 
 #include <QJsonObject>
 
@@ -94,7 +94,7 @@ bool DemoRun::openCameras()
 bool DemoRun::openReplay()
 {
     const QSize frame = m_size.height() > m_size.width() ? kFrame : kFrame.transposed();
-    auto stage = std::make_unique<ReplayStage>(m_options, ScanAreas::of(m_size, frame), m_analysis);
+    auto stage = std::make_unique<ReplayStage>(m_options, specimen::ScanAreas::of(m_size, frame), m_analysis);
     if (const auto problem = stage->open()) {
         fail(BadInput, *problem);
         return false;
@@ -243,15 +243,8 @@ void DemoRun::warnAboutSmallPrint()
     if (frame.isNull())
         return;
     m_warned = true;
-    const double capital = ScanAreas::of(m_host->size(), frame.size()).mrzCapitalHeight();
-    if (capital < kReadableCapital)
-        say(QStringLiteral("Note: this camera's pictures (%1×%2) show the machine-readable zone's capitals only %3 "
-                           "pixels high; from %4 on they can be read. A camera of more pixels, or a window of another "
-                           "shape (--size), helps.")
-                .arg(frame.width())
-                .arg(frame.height())
-                .arg(capital, 0, 'f', 1)
-                .arg(kReadableCapital));
+    if (const auto note = tooSmallPrint(frame.size(), m_host->size()))
+        say(*note);
 }
 
 int DemoRun::report()

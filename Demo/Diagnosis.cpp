@@ -1,6 +1,6 @@
 #include "Demo/Diagnosis.h"
 
-#include "Demo/ScanAreas.h"
+#include "Tools/Specimen/ScanAreas.h"
 
 #include <QStringList>
 
@@ -10,6 +10,11 @@ namespace {
 
 constexpr float kSmallestCard = 0.5F;
 constexpr double kWideLine = 0.8; ///< Of the cut-out.
+
+constexpr double kCardMillimetres = 85.6; // ISO/IEC 7810, ID-1
+constexpr double kCapitalMillimetres = 2.54;
+constexpr double kWellHeldCard = 0.91; ///< Of the cut-out's width.
+constexpr double kReadableCapital = 16; ///< In pixels; lower capitals are not read reliably.
 
 QString cardTrouble(bool front, const QImage& shown, const PictureAnalysis& analysis)
 {
@@ -47,13 +52,28 @@ QString whatIsMissing(Subject subject, const QImage& frame, const QSizeF& view, 
     };
     if (frame.isNull())
         return sentence(QStringLiteral("the camera has not delivered a picture"));
-    const ScanAreas areas = ScanAreas::of(view, frame.size());
+    const specimen::ScanAreas areas = specimen::ScanAreas::of(view, frame.size());
     const QRectF area = subject == Subject::Selfie ? areas.oval : areas.card;
     const QImage shown = frame.copy(area.toAlignedRect().intersected(frame.rect()));
     if (subject != Subject::Selfie)
         return sentence(cardTrouble(subject == Subject::CardFront, shown, analysis));
     return sentence(analysis.face(shown) ? QStringLiteral("a face is seen at this moment, but not steadily")
                                          : QStringLiteral("no face is found in the oval"));
+}
+
+std::optional<QString> tooSmallPrint(const QSize& frame, const QSizeF& view)
+{
+    const double card = specimen::ScanAreas::of(view, frame).card.width() * kWellHeldCard;
+    const double capital = card * kCapitalMillimetres / kCardMillimetres;
+    if (capital >= kReadableCapital)
+        return std::nullopt;
+    return QStringLiteral("Note: this camera's pictures (%1×%2) show the machine-readable zone's capitals only %3 "
+                          "pixels high; from %4 on they can be read. A camera of more pixels, or a window of another "
+                          "shape (--size), helps.")
+        .arg(frame.width())
+        .arg(frame.height())
+        .arg(capital, 0, 'f', 1)
+        .arg(kReadableCapital);
 }
 
 } // namespace kelvara::demo

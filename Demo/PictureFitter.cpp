@@ -83,7 +83,7 @@ QPointF middleOf(const QPolygonF& quad)
 
 } // namespace
 
-PictureFitter::PictureFitter(PictureAnalysis analysis, ScanAreas areas)
+PictureFitter::PictureFitter(PictureAnalysis analysis, specimen::ScanAreas areas)
     : m_analysis(std::move(analysis)), m_areas(areas)
 { }
 
@@ -205,9 +205,9 @@ PictureFit PictureFitter::fitFace(const QImage& picture) const
 QTransform PictureFitter::layWhole(const QImage& picture) const
 {
     const QSizeF size(picture.size());
-    const double filling = std::max(m_areas.frame.width() / size.width(), m_areas.frame.height() / size.height());
+    const double filling = std::max(m_areas.picture.width() / size.width(), m_areas.picture.height() / size.height());
     return QTransform::fromTranslate(-size.width() / 2, -size.height() / 2) * QTransform::fromScale(filling, filling)
-        * QTransform::fromTranslate(m_areas.frame.width() / 2.0, m_areas.frame.height() / 2.0);
+        * QTransform::fromTranslate(m_areas.picture.width() / 2.0, m_areas.picture.height() / 2.0);
 }
 
 QColor PictureFitter::margin()

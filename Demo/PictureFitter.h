@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Demo/PictureAnalysis.h"
-#include "Demo/ScanAreas.h"
 #include "Demo/Subject.h"
+#include "Tools/Specimen/ScanAreas.h"
 
 #include <QColor>
 #include <QImage>
@@ -26,7 +26,7 @@ struct PictureFit
 class PictureFitter
 {
 public:
-    PictureFitter(PictureAnalysis analysis, ScanAreas areas);
+    PictureFitter(PictureAnalysis analysis, specimen::ScanAreas areas);
 
     [[nodiscard]] PictureFit fit(const QImage& picture, Subject subject) const;
 
@@ -48,7 +48,7 @@ private:
     [[nodiscard]] QTransform layWhole(const QImage& picture) const;
 
     PictureAnalysis m_analysis;
-    ScanAreas m_areas;
+    specimen::ScanAreas m_areas;
 };
 
 } // namespace kelvara::demo

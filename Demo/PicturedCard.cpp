@@ -21,7 +21,7 @@ constexpr double kFaceMiddle = 0.51;
 
 } // namespace
 
-PicturedCard::PicturedCard(QImage picture, const QTransform& toFrame, ScanAreas areas)
+PicturedCard::PicturedCard(QImage picture, const QTransform& toFrame, specimen::ScanAreas areas)
     : m_picture(std::move(picture)), m_toFrame(toFrame), m_areas(areas),
       m_sharpest(std::clamp(1 / std::sqrt(std::abs(toFrame.determinant())), 1.0, kMostZoom))
 { }

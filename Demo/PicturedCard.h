@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Demo/PictureAnalysis.h"
-#include "Demo/ScanAreas.h"
+#include "Tools/Specimen/ScanAreas.h"
 
 #include <QImage>
 #include <QStringList>
@@ -15,7 +15,7 @@ namespace kelvara::demo {
 class PicturedCard
 {
 public:
-    PicturedCard(QImage picture, const QTransform& toFrame, ScanAreas areas);
+    PicturedCard(QImage picture, const QTransform& toFrame, specimen::ScanAreas areas);
 
     /// The lines of its machine-readable zone; absent unless every check digit vouches for them. Takes some tenths of a
     /// second.
@@ -29,7 +29,7 @@ private:
 
     QImage m_picture;
     QTransform m_toFrame;
-    ScanAreas m_areas;
+    specimen::ScanAreas m_areas;
     double m_sharpest; ///< The zoom that shows all of the picture's own pixels.
 };
 

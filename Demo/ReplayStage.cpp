@@ -38,7 +38,7 @@ std::shared_ptr<ReplayCamera> cameraOn(
 
 } // namespace
 
-ReplayStage::ReplayStage(const DemoOptions& options, ScanAreas areas, PictureAnalysis analysis)
+ReplayStage::ReplayStage(const DemoOptions& options, specimen::ScanAreas areas, PictureAnalysis analysis)
     : m_seed(options.seed),
       m_losesCard(options.loseCard), m_paths { options.cardFront, options.cardBack, options.selfie }, m_areas(areas),
       m_analysis(std::move(analysis))
@@ -54,8 +54,8 @@ std::optional<QString> ReplayStage::open()
             = std::make_shared<const MovieClip>(m_sources[slot(subject)] ? fitted(subject) : scenes.clip(subject));
     }
     const auto shake = [scenes](double seconds) { return scenes.shake(seconds); };
-    m_tableMovie = std::make_shared<CardMovie>(m_areas.frame, scenes.backdrop(Subject::CardFront), shake);
-    m_roomMovie = std::make_shared<CardMovie>(m_areas.frame, scenes.backdrop(Subject::Selfie), shake);
+    m_tableMovie = std::make_shared<CardMovie>(m_areas.picture, scenes.backdrop(Subject::CardFront), shake);
+    m_roomMovie = std::make_shared<CardMovie>(m_areas.picture, scenes.backdrop(Subject::Selfie), shake);
     m_back = cameraOn(m_tableMovie, QStringLiteral("Replayed back camera"), AVCaptureDevicePosition::Back);
     m_front = cameraOn(m_roomMovie, QStringLiteral("Replayed front camera"), AVCaptureDevicePosition::Front);
     makeChip();
@@ -100,7 +100,7 @@ MovieClip ReplayStage::fitted(Subject subject)
         clip.margin = PictureFitter::margin();
     } else {
         clip.plate = PictureFitter::laid(first, fit.toFrame,
-            QRect(QPoint(), m_areas.frame).adjusted(-kShakeMargin, -kShakeMargin, kShakeMargin, kShakeMargin));
+            QRect(QPoint(), m_areas.picture).adjusted(-kShakeMargin, -kShakeMargin, kShakeMargin, kShakeMargin));
     }
     return clip;
 }
@@ -165,7 +165,7 @@ void ReplayStage::photographed(Subject subject)
         m_clips[slot(Subject::CardFront)] = nullptr;
     (isSelfie ? m_roomMovie : m_tableMovie) = nullptr;
     (isSelfie ? m_front : m_back)
-        ->setSource(ReplaySource::generator([size = m_areas.frame](std::int64_t, std::chrono::microseconds) {
+        ->setSource(ReplaySource::generator([size = m_areas.picture](std::int64_t, std::chrono::microseconds) {
             QImage dark(size, QImage::Format_RGB32);
             dark.fill(Qt::black);
             return dark;

@@ -6,9 +6,9 @@
 #include "Demo/HeldChip.h"
 #include "Demo/PictureAnalysis.h"
 #include "Demo/PictureSource.h"
-#include "Demo/ScanAreas.h"
 #include "Demo/Stage.h"
 #include "Platform/Capture/ReplayCamera.h"
+#include "Tools/Specimen/ScanAreas.h"
 
 #include <QTransform>
 
@@ -23,7 +23,7 @@ namespace kelvara::demo {
 class ReplayStage final : public Stage
 {
 public:
-    ReplayStage(const DemoOptions& options, ScanAreas areas, PictureAnalysis analysis);
+    ReplayStage(const DemoOptions& options, specimen::ScanAreas areas, PictureAnalysis analysis);
 
     /// Reads the given pictures and takes the specimens'. One sentence if that cannot be done.
     [[nodiscard]] std::optional<QString> open();
@@ -51,7 +51,7 @@ private:
     const std::uint32_t m_seed;
     const bool m_losesCard;
     const std::array<QString, 3> m_paths; ///< By subject; empty: a specimen.
-    const ScanAreas m_areas;
+    const specimen::ScanAreas m_areas;
     const PictureAnalysis m_analysis;
     std::array<std::shared_ptr<PictureSource>, 3> m_sources;
     std::array<QTransform, 3> m_fits; ///< How the sources' first pictures lie in the frame.

@@ -8,10 +8,7 @@ namespace kelvara::demo {
 
 namespace {
 
-constexpr double kFrontFill = 0.93;
-constexpr double kBackFill = 0.955; ///< Nearer: the machine-readable lines must span four fifths of the cut-out.
-constexpr double kFaceFill = 0.5;
-constexpr double kCornerMillimetres = 3.18;
+constexpr double kCornerShare = 3.18 / 85.6; ///< A corner's radius, of the card's width (ISO/IEC 7810, ID-1).
 /// Within the plate's spare margin, whatever the shake asks for.
 constexpr double kWidestShift = 24;
 constexpr double kWidestRoll = 1.0;
@@ -20,7 +17,7 @@ constexpr double kWidestRoll = 1.0;
 QPainterPath cardOutline(const QPolygonF& corners)
 {
     QPainterPath path;
-    const double radius = QLineF(corners[0], corners[1]).length() * kCornerMillimetres / kCardMillimetres;
+    const double radius = QLineF(corners[0], corners[1]).length() * kCornerShare;
     for (int i = 0; i < 4; ++i) {
         const QPointF corner = corners[i];
         const auto towards = [&](const QPointF& other) {
@@ -36,7 +33,7 @@ QPainterPath cardOutline(const QPolygonF& corners)
 
 } // namespace
 
-SpecimenScenes::SpecimenScenes(std::uint32_t seed, ScanAreas areas)
+SpecimenScenes::SpecimenScenes(std::uint32_t seed, specimen::ScanAreas areas)
     : m_seed(seed), m_areas(areas), m_data(specimen::SpecimenData::fromSeed(seed))
 { }
 
@@ -44,15 +41,12 @@ specimen::SceneOptions SpecimenScenes::options(Subject subject) const
 {
     using specimen::Background;
     constexpr std::array kTables { Background::Wood, Background::Desk, Background::Cloth, Background::Dark };
-    const bool selfie = subject == Subject::Selfie;
-    specimen::SceneOptions options;
-    options.seed = m_seed;
-    options.size = m_areas.frame + QSize(2 * kShakeMargin, 2 * kShakeMargin);
-    options.frame = (selfie ? m_areas.oval : m_areas.card).translated(kShakeMargin, kShakeMargin);
-    options.fill = selfie ? kFaceFill : subject == Subject::CardFront ? kFrontFill : kBackFill;
-    options.subject = selfie            ? specimen::Subject::Selfie
-        : subject == Subject::CardFront ? specimen::Subject::Front
-                                        : specimen::Subject::Back;
+    const auto shown = subject == Subject::Selfie ? specimen::Subject::Selfie
+        : subject == Subject::CardFront           ? specimen::Subject::Front
+                                                  : specimen::Subject::Back;
+    specimen::SceneOptions options = m_areas.held(shown, m_seed);
+    options.size += QSize(2 * kShakeMargin, 2 * kShakeMargin);
+    options.frame.translate(kShakeMargin, kShakeMargin);
     options.background = kTables[m_seed % kTables.size()];
     options.shadow = 0.3;
     options.noise = 1.5;

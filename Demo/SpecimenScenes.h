@@ -1,9 +1,8 @@
 #pragma once
 
 #include "Demo/CardMovie.h"
-#include "Demo/ScanAreas.h"
 #include "Demo/Subject.h"
-#include "Tools/Specimen/Scene.h"
+#include "Tools/Specimen/ScanAreas.h"
 
 #include <cstdint>
 
@@ -13,7 +12,7 @@ namespace kelvara::demo {
 class SpecimenScenes
 {
 public:
-    SpecimenScenes(std::uint32_t seed, ScanAreas areas);
+    SpecimenScenes(std::uint32_t seed, specimen::ScanAreas areas);
 
     /// The subject well within its cut-out. Takes a fraction of a second; any thread.
     [[nodiscard]] MovieClip clip(Subject subject) const;
@@ -26,7 +25,7 @@ private:
     [[nodiscard]] specimen::SceneOptions options(Subject subject) const;
 
     std::uint32_t m_seed;
-    ScanAreas m_areas;
+    specimen::ScanAreas m_areas;
     specimen::SpecimenData m_data;
 };
 

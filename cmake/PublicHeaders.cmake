@@ -109,6 +109,7 @@ set(KELVARA_PUBLIC_HEADERS
 
 # The printer and photographer of invented cards, for hosts' own tests.
 set(KELVARA_SPECIMEN_PUBLIC_HEADERS
+    Tools/Specimen/ScanAreas.h
     Tools/Specimen/Scene.h
     Tools/Specimen/Specimen.h
 )

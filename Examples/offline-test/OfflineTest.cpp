@@ -9,7 +9,7 @@
 #include <Platform/Foundation/UserDefaults.h>
 #include <QAbstractButton>
 #include <QTest>
-#include <Tools/Specimen/Scene.h>
+#include <Tools/Specimen/ScanAreas.h>
 
 using namespace kelvara;
 using namespace kelvara::chip::software;
@@ -18,15 +18,11 @@ namespace {
 
 constexpr int kPatience = 60000;
 
-/// What a camera sees when the card lies in the view's cut-out (390 × 844 points, pictures of 1080 × 1920).
+/// What a camera of 1080 × 1920 pixels sees when the card lies in the cut-out of a view of 390 × 844 points.
 ReplaySource cardInTheCutout(const specimen::SpecimenData& card, specimen::Subject side)
 {
-    specimen::SceneOptions scene;
-    scene.size = { 1080, 1920 };
-    scene.subject = side;
-    scene.frame = QRectF(141, 679, 798, 562);
-    scene.fill = 0.93;
-    return ReplaySource::still(specimen::photograph(card, scene).image);
+    const auto areas = specimen::ScanAreas::of({ 390, 844 }, { 1080, 1920 });
+    return ReplaySource::still(specimen::photograph(card, areas.held(side)).image);
 }
 
 /// Your host; here it only counts.

@@ -7,7 +7,7 @@
 #include <Platform/Foundation/UserDefaults.h>
 #include <Platform/Vision/VisionDetectors.h>
 #include <Platform/Vision/VisionImage.h>
-#include <Tools/Specimen/Scene.h>
+#include <Tools/Specimen/ScanAreas.h>
 
 #include <QDeadlineTimer>
 #include <QEventLoop>
@@ -49,18 +49,11 @@ struct WatchedRectangles final : RectangleDetector
     mutable std::atomic<int> cards { 0 };
 };
 
-/// What a camera of 1080 × 1920 takes: a card that lies in the view's cut-out, or a person.
+/// What a camera of 1080 × 1920 takes: a card or a face that is held in the view's cut-out.
 std::shared_ptr<ReplayCamera> cameraBefore(specimen::Subject subject, AVCaptureDevicePosition position)
 {
-    specimen::SceneOptions scene;
-    scene.seed = 7;
-    scene.size = { 1080, 1920 };
-    scene.subject = subject;
-    if (subject == specimen::Subject::Front) {
-        scene.frame = QRectF(141, 679, 798, 562);
-        scene.fill = 0.9;
-    }
-    const QImage picture = specimen::photograph(specimen::SpecimenData::fromSeed(7), scene).image;
+    const auto areas = specimen::ScanAreas::of({ 390, 844 }, { 1080, 1920 });
+    const QImage picture = specimen::photograph(specimen::SpecimenData::fromSeed(7), areas.held(subject, 7)).image;
     ReplayCameraOptions options;
     options.position = position;
     return std::make_shared<ReplayCamera>(ReplaySource::still(picture), options);

@@ -1,4 +1,6 @@
+#include "Kelvara/ScanAreaMapping.h"
 #include "Tests/Support/KycHarness.h"
+#include "Tools/Specimen/ScanAreas.h"
 
 #include <QGuiApplication>
 #include <QSignalSpy>
@@ -174,7 +176,8 @@ void PrintTo(const ScanAreaRow& row, std::ostream* out)
 class ScanArea : public testing::TestWithParam<ScanAreaRow>
 { };
 
-/// The analysed picture is the cut-out as the aspect-filled preview shows it, whichever way the sensor lies.
+/// The analysed picture is the cut-out as the aspect-filled preview shows it, whichever way the sensor lies, and lies
+/// where hosts' tests are told to hold things.
 TEST_P(ScanArea, IsWhatTheCutoutShows)
 {
     const ScanAreaRow& row = GetParam();
@@ -191,6 +194,16 @@ TEST_P(ScanArea, IsWhatTheCutoutShows)
     // Made integral outwards: up to a pixel more on either side.
     EXPECT_NEAR(stage.device.eyes.told->lastWidth, row.expected.width() + 1, 1);
     EXPECT_NEAR(stage.device.eyes.told->lastHeight, row.expected.height() + 1, 1);
+
+    const auto geometry = stage.d().geometry.load();
+    const auto areas = specimen::ScanAreas::of(row.view, row.frame);
+    const QRectF told = row.step == selfie ? areas.oval : areas.card;
+    const QRectF seen = scanAreaInFrame(
+        row.step == selfie ? *geometry->cutoutSelfieRect : *geometry->cutoutRect, *geometry, row.frame);
+    EXPECT_NEAR(told.left(), seen.left(), 0.01);
+    EXPECT_NEAR(told.top(), seen.top(), 0.01);
+    EXPECT_NEAR(told.width(), seen.width(), 0.01);
+    EXPECT_NEAR(told.height(), seen.height(), 0.01);
 }
 
 // Aspect-fill of 270 × 480 into 390 × 844 points shows 480 rows on 844 points; of 640 × 480 into 844 × 390 it shows
@@ -203,7 +216,8 @@ INSTANTIATE_TEST_SUITE_P(All, ScanArea,
         ScanAreaRow {
             "phoneSensorSelfie", { 390, 844 }, { 270, 480 }, 270, selfie, { 300 * 480 / 844.0, 400 * 480 / 844.0 } },
         ScanAreaRow {
-            "webcam", { 844, 390 }, { 640, 480 }, 0, idPhoto, { 292.5 * 1.42 * 640 / 844.0, 292.5 * 640 / 844.0 } }),
+            "webcam", { 844, 390 }, { 640, 480 }, 0, idPhoto, { 292.5 * 1.42 * 640 / 844.0, 292.5 * 640 / 844.0 } },
+        ScanAreaRow { "webcamSelfieInASquare", { 600, 600 }, { 640, 480 }, 0, selfie, { 240, 320 } }),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Camera, OnlyTheFirstFaceIsKept)

@@ -4,7 +4,7 @@
 #include "Kelvara/SdkModel.h"
 #include "Platform/Vision/TextLineDetector.h"
 #include "Tests/Support/KycHarness.h"
-#include "Tools/Specimen/Scene.h"
+#include "Tools/Specimen/ScanAreas.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -89,14 +89,10 @@ protected:
         stage = std::make_unique<Stage>(device);
         stage->setSteps({ idPhoto });
         ASSERT_TRUE(spinUntil([&] { return lines->performed > 0; })) << "the NFC device searches for text";
-        specimen::SceneOptions scene;
-        scene.seed = card.seed;
-        scene.size = kFrame;
-        scene.subject = specimen::Subject::Back;
+        const auto areas = specimen::ScanAreas::of(stage->view->size(), kFrame);
+        specimen::SceneOptions scene = areas.held(specimen::Subject::Back, card.seed);
         scene.background = specimen::Background::Wood;
         scene.fill = fill;
-        const auto geometry = stage->d().geometry.load();
-        scene.frame = scanAreaInFrame(*geometry->cutoutRect, *geometry, kFrame);
         stage->device.back->setSource(ReplaySource::still(photograph(card, scene).image));
     }
     /// Lets at least so many frames be analysed from beginning to end.

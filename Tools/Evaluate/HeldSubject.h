@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Demo/ScanAreas.h"
 #include "Platform/Capture/ReplayCamera.h"
 #include "Platform/Chip/NFCReaderSession.h"
 #include "Platform/PlatformServices.h"
 #include "Tools/Evaluate/TextScenes.h"
+#include "Tools/Specimen/ScanAreas.h"
 
 #include <vector>
 
@@ -18,7 +18,7 @@ inline constexpr double kFramesPerSecond = 30;
 [[nodiscard]] inline std::vector<QImage> heldFilm(const specimen::SpecimenData& data, specimen::Subject subject)
 {
     constexpr int count = 36;
-    const demo::ScanAreas areas = demo::ScanAreas::of(kView, kFrame);
+    const auto areas = specimen::ScanAreas::of(kView, kFrame);
     const QRectF area = subject == specimen::Subject::Selfie ? areas.oval : areas.card;
     specimen::SceneOptions options = subject == specimen::Subject::Back
         ? nearBack(data.seed, area.size().toSize())

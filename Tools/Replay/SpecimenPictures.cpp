@@ -15,7 +15,7 @@ constexpr std::size_t kMostCards = 64;
 
 QImage made(std::uint32_t seed, Picture picture, bool isFrontCamera, QSize view, QSize frame)
 {
-    const demo::SpecimenScenes scenes(seed, demo::ScanAreas::of(view, frame));
+    const demo::SpecimenScenes scenes(seed, specimen::ScanAreas::of(view, frame));
     const auto plate = [&] {
         switch (picture) {
         case Picture::Front:
