@@ -4,6 +4,7 @@
 #include "Demo/Diagnosis.h"
 #include "Demo/Gallery.h"
 #include "Demo/MrzReport.h"
+#include "Demo/TurnTally.h"
 #include "Platform/Capture/CameraProvider.h"
 #include "Platform/Chip/NFCReaderSession.h"
 #include "Platform/PlatformServices.h"

@@ -9,7 +9,6 @@
 #include "Demo/ReplayStage.h"
 #include "Demo/ResultFolder.h"
 #include "Demo/ScriptedPerson.h"
-#include "Demo/TurnTally.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -36,7 +35,6 @@ private:
     [[nodiscard]] bool openCameras();
     [[nodiscard]] bool openReplay();
     [[nodiscard]] bool openReal();
-    void openReader();
     void openCall();
     void runFlow();
     void giveUp(const QString& failure);

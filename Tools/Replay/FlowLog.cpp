@@ -26,13 +26,6 @@ int FlowLog::count(const QString& event) const
         m_entries.begin(), m_entries.end(), [&event](const Entry& entry) { return entry.event == event; }));
 }
 
-std::optional<QString> FlowLog::lastOf(const QString& prefix) const
-{
-    const auto found = std::find_if(
-        m_entries.rbegin(), m_entries.rend(), [&prefix](const Entry& entry) { return entry.event.startsWith(prefix); });
-    return found == m_entries.rend() ? std::nullopt : std::optional(found->event.mid(prefix.size()));
-}
-
 QJsonArray FlowLog::toJson(bool withTimes) const
 {
     QJsonArray list;

@@ -5,7 +5,6 @@
 #include <QJsonObject>
 #include <QString>
 
-#include <optional>
 #include <vector>
 
 namespace kelvara::replay {
@@ -23,7 +22,6 @@ public:
     [[nodiscard]] bool pass(const QString& event);
 
     [[nodiscard]] int count(const QString& event) const;
-    [[nodiscard]] std::optional<QString> lastOf(const QString& prefix) const;
 
     /// Without times the text is the same for the same order of events.
     [[nodiscard]] QJsonArray toJson(bool withTimes) const;
