@@ -30,11 +30,11 @@ template<typename T> class LinkedListViewType;
 ///     view->setViewTypes({ ViewType::idPhoto, ViewType::selfie });
 ///
 /// The view's own background is clear: put something dark behind it. It may be deleted at any time, inside any call of
-/// its delegate too; only while Qt tells of focus moving or of widgets being shown or hidden (event filters,
-/// `QApplication::focusChanged`, accessibility updates) by `deleteLater()`, as Qt goes on with them. No operation
-/// reports an error: what the device lacks is told to the person on the screen, and `isScanning` tells the host whether
-/// a camera runs. A device that is there but gives no pictures (a replay camera whose file is missing) shows an empty
-/// preview.
+/// its delegate too; only while Qt tells of focus moving, of widgets being shown or hidden or of their texts (event
+/// filters, `QApplication::focusChanged`, accessibility updates) by `deleteLater()`, as Qt goes on with them. No
+/// operation reports an error: what the device lacks is told to the person on the screen, and `isScanning` tells the
+/// host whether a camera runs. A device that is there but gives no pictures (a replay camera whose file is missing)
+/// shows an empty preview.
 class KELVARA_EXPORT QorvelKycView : public QWidget
 {
     Q_OBJECT

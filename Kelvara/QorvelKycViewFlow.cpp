@@ -53,8 +53,7 @@ void QorvelKycViewPrivate::showIdPhotoView()
     selectedViewType = ViewType::idPhoto;
     if (noCameraText.isEmpty())
         switchCamera(backInput, false);
-    startSide();
-    onMain([this] { viewChange(); });
+    startStep();
 }
 
 void QorvelKycViewPrivate::showSelfieView()
@@ -62,15 +61,13 @@ void QorvelKycViewPrivate::showSelfieView()
     selectedViewType = ViewType::selfie;
     if (noCameraText.isEmpty())
         switchCamera(frontInput, true);
-    startSide();
-    onMain([this] { viewChange(); });
+    startStep();
 }
 
 void QorvelKycViewPrivate::showNfcView()
 {
     selectedViewType = ViewType::nfcRead;
-    startSide();
-    onMain([this] { viewChange(); });
+    startStep();
 }
 
 void QorvelKycViewPrivate::showJitsiView()
@@ -83,8 +80,7 @@ void QorvelKycViewPrivate::showJitsiView()
             return;
     }
     selectedViewType = ViewType::jitsi;
-    startSide();
-    onMain([this] { viewChange(); });
+    startStep();
 }
 
 void QorvelKycViewPrivate::getNextViewType()
@@ -113,20 +109,28 @@ void QorvelKycViewPrivate::startSide()
 {
     ++side;
     publishGeometry();
-    // At once too: a tap that waits behind this call was meant for the side before.
-    takePhotoButton->setEnabled(false);
     onMain([this] {
         checkFace = false;
         checkMrz = false;
         checkRectangle = false;
-        takePhotoButton->setEnabled(false);
         updateScanArea();
+        takePhotoButton->setEnabled(false); // last: who hears of it may have the view deleted
     });
     // Frames that wait on the queue were taken before this moment; this block comes after them.
     videoQueue.async([this, begun = side] {
         queueSide = begun;
         inputCIImage.store(std::nullopt); // a crop must not come from the side before
     });
+    // At once too, as a tap that waits behind this call was meant for the side before; and last, as above.
+    takePhotoButton->setEnabled(false);
+}
+
+void QorvelKycViewPrivate::startStep()
+{
+    const QPointer<QorvelKycView> view(q);
+    startSide();
+    if (view)
+        onMain([this] { viewChange(); });
 }
 
 void QorvelKycViewPrivate::viewChange()

@@ -77,8 +77,11 @@ public:
     void showInformation(const QString& text);
     void closeButtonInput();
     void runTimedCode();
-    /// A side or a step begins: whatever was detected before no longer counts, on either thread.
+    /// A side or a step begins: whatever was detected before no longer counts, on either thread. Where the
+    /// shutter was on, who hears that it is off may have the view deleted.
     void startSide();
+    /// A step begins, whose screen is composed next.
+    void startStep();
 
     // Controls: QorvelKycViewScreens.cpp
     void initiateStatement();

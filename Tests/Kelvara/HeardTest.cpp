@@ -183,6 +183,22 @@ TEST_F(Access, TheViewMayBeDeletedByWhoListensToATap)
     settle();
 }
 
+TEST_F(Access, TheViewMayBeDeletedByWhoListensToAStepsBegin)
+{
+    stage->setSteps({ idPhoto });
+    stage->show(true, true);
+    CircleButton* const shutter = stage->d().takePhotoButton;
+    ASSERT_TRUE(spinUntil([&] { return shutter->isEnabled(); }));
+    AccessWatch watch;
+    watch.during = [&](QAccessibleEvent& event) {
+        if (event.type() == QAccessible::StateChanged && event.object() == shutter)
+            delete stage->view.data();
+    };
+    stage->view->showNfcView(); // in which the shutter goes off
+    EXPECT_TRUE(stage->view.isNull());
+    settle();
+}
+
 INSTANTIATE_TEST_SUITE_P(All, Heard,
     testing::Values(HeardRow { "nameOfANotice", QAccessible::NameChanged, "kelvara::Announcer", announceAScreen },
         HeardRow { "notice", QAccessible::Alert, "kelvara::Announcer", announceAScreen },
