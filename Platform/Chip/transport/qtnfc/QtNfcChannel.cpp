@@ -78,6 +78,7 @@ std::variant<Bytes, TransportError> QtNfcChannel::transmit(ByteView command)
     });
     QObject::connect(m_card, &QNearFieldTarget::disconnected, &loop, &QEventLoop::quit);
     QObject::connect(m_card, &QObject::destroyed, &loop, &QEventLoop::quit);
+    QObject::connect(m_field.get(), &QNearFieldManager::targetLost, &loop, &QEventLoop::quit);
     QTimer patience;
     patience.setSingleShot(true);
     QObject::connect(&patience, &QTimer::timeout, &loop, &QEventLoop::quit);
