@@ -4,6 +4,7 @@
 #include "Demo/Diagnosis.h"
 #include "Demo/Gallery.h"
 #include "Demo/MrzReport.h"
+#include "Demo/Say.h"
 #include "Demo/TurnTally.h"
 #include "Platform/Capture/CameraProvider.h"
 #include "Platform/Chip/NFCReaderSession.h"
@@ -27,12 +28,6 @@ constexpr std::chrono::milliseconds kScriptedLimit { 60000 };
 constexpr int kWatchMilliseconds = 250;
 constexpr int kPatienceMilliseconds = 10000;
 constexpr int kFarewellMilliseconds = 3000; ///< For a person to read that all is done.
-
-void say(const QString& line)
-{
-    std::puts(qUtf8Printable(line));
-    std::fflush(stdout);
-}
 
 QJsonObject cameraResult(const FrameTap& camera)
 {

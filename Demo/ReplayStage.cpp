@@ -4,11 +4,10 @@
 #include "Demo/Film.h"
 #include "Demo/PictureFitter.h"
 #include "Demo/PicturedCard.h"
+#include "Demo/Say.h"
 #include "Demo/SpecimenCard.h"
 #include "Demo/SpecimenScenes.h"
 #include "Tools/Specimen/Scene.h"
-
-#include <cstdio>
 
 namespace kelvara::demo {
 
@@ -19,12 +18,6 @@ constexpr std::array kSubjects { Subject::CardFront, Subject::CardBack, Subject:
 std::size_t slot(Subject subject)
 {
     return static_cast<std::size_t>(subject);
-}
-
-void say(const QString& line)
-{
-    std::puts(qUtf8Printable(line));
-    std::fflush(stdout);
 }
 
 std::shared_ptr<ReplayCamera> cameraOn(

@@ -7,12 +7,12 @@
 #include "Tools/Cli/ChipJson.h"
 #include "Tools/Cli/ChipOptions.h"
 #include "Tools/Cli/Look.h"
+#include "Tools/Cli/Output.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QImageWriter>
-#include <QJsonDocument>
 #include <QSaveFile>
 
 #include <cstdio>
@@ -32,11 +32,6 @@ struct Outcome
     std::shared_ptr<NFCPassportModel> passport;
     std::optional<NFCPassportReaderError> error;
 };
-
-void complain(const QString& sentence)
-{
-    std::fprintf(stderr, "kelvara: %s\n", qUtf8Printable(sentence));
-}
 
 void printTrace(const chip::software::TraceEntry& entry)
 {
@@ -168,12 +163,7 @@ int runChipCommand(const QStringList& arguments)
     }
     object.insert(QStringLiteral("read"), outcome.passport != nullptr);
     object.insert(QStringLiteral("milliseconds"), rounded(milliseconds));
-    const QByteArray json
-        = QJsonDocument(object).toJson(options.isPretty ? QJsonDocument::Indented : QJsonDocument::Compact);
-    std::fwrite(json.constData(), 1, std::size_t(json.size()), stdout);
-    if (!options.isPretty)
-        std::fputc('\n', stdout);
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    if (!print(object, options.isPretty)) {
         complain(QStringLiteral("The result cannot be written."));
         return Failed;
     }

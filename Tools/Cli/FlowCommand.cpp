@@ -1,9 +1,8 @@
 #include "Tools/Cli/FlowCommand.h"
 
+#include "Tools/Cli/Output.h"
 #include "Tools/Replay/FlowScriptFile.h"
 #include "Tools/Replay/ReplaySession.h"
-
-#include <QJsonDocument>
 
 #include <algorithm>
 #include <cstdio>
@@ -28,11 +27,6 @@ that is none. What the view itself says goes to the error stream.
 )";
 
 enum ExitCode { Met = 0, Unmet = 1, Failed = 2 };
-
-void complain(const QString& sentence)
-{
-    std::fprintf(stderr, "kelvara: %s\n", qUtf8Printable(sentence));
-}
 
 /// While it lives, what is printed goes to the error stream.
 class QuietOutput
@@ -79,11 +73,8 @@ ExitCode play(const QString& file, bool withTimes, bool isPretty)
         isGood = session.isMet() && session.problems().isEmpty();
     }
     report.insert(QStringLiteral("script"), file);
-    const QByteArray json = QJsonDocument(report).toJson(isPretty ? QJsonDocument::Indented : QJsonDocument::Compact);
-    std::fwrite(json.constData(), 1, static_cast<std::size_t>(json.size()), stdout);
-    if (!isPretty)
-        std::fputc('\n', stdout);
-    std::fflush(stdout);
+    if (!print(report, isPretty))
+        return Failed;
     return isGood ? Met : Unmet;
 }
 
@@ -117,7 +108,7 @@ int runFlowCommand(const QStringList& arguments)
     ExitCode worst = Met;
     for (const QString& file : files)
         worst = std::max(worst, play(file, withTimes, isPretty));
-    return std::ferror(stdout) != 0 ? Failed : worst;
+    return worst;
 }
 
 } // namespace kelvara::cli

@@ -8,12 +8,12 @@
 #include "Tools/Cli/FaceLook.h"
 #include "Tools/Cli/FlowCommand.h"
 #include "Tools/Cli/MrzLook.h"
+#include "Tools/Cli/Output.h"
 #include "Tools/Cli/PictureFile.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QImageWriter>
-#include <QJsonDocument>
 
 #include <algorithm>
 #include <cstdio>
@@ -25,11 +25,6 @@ using namespace kelvara::cli;
 namespace {
 
 enum ExitCode { AllFound = 0, NotFound = 1, Failed = 2 };
-
-void complain(const QString& sentence)
-{
-    std::fprintf(stderr, "kelvara: %s\n", qPrintable(sentence));
-}
 
 std::unique_ptr<Look> makeLook(const CliOptions& options)
 {
@@ -96,13 +91,7 @@ ExitCode treat(const QString& file, const CliOptions& options, Look& look)
     milliseconds.insert(QStringLiteral("load"), rounded(load));
     object.insert(QStringLiteral("milliseconds"), milliseconds);
     object.insert(QStringLiteral("file"), file);
-    const QByteArray json
-        = QJsonDocument(object).toJson(options.isPretty ? QJsonDocument::Indented : QJsonDocument::Compact);
-    std::fwrite(json.constData(), 1, std::size_t(json.size()), stdout);
-    if (!options.isPretty)
-        std::fputc('\n', stdout);
-    std::fflush(stdout);
-    return code;
+    return print(object, options.isPretty) ? code : Failed;
 }
 
 } // namespace
@@ -132,7 +121,5 @@ int main(int argc, char** argv)
     ExitCode worst = AllFound;
     for (const QString& file : options.files)
         worst = std::max(worst, treat(file, options, *look));
-    if (std::ferror(stdout) != 0)
-        return Failed;
     return worst;
 }
