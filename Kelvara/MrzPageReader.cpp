@@ -4,6 +4,7 @@
 #include "Kelvara/MrzPreprocessing.h"
 #include "Kelvara/MrzPrint.h"
 #include "Kelvara/MrzToneCurve.h"
+#include "Platform/Mrz/MrzAgreement.h"
 #include "Platform/Mrz/MrzLines.h"
 #include "Platform/Vision/MrzBandImage.h"
 
@@ -77,12 +78,6 @@ private:
     QElapsedTimer m_timer;
 };
 
-bool saysTheSame(const QKMRZResult& a, const QKMRZResult& b)
-{
-    return a.documentNumber == b.documentNumber && a.birthDate == b.birthDate && a.expiryDate == b.expiryDate
-        && a.personalNumber == b.personalNumber && a.personalNumber2 == b.personalNumber2;
-}
-
 bool areAlike(const Lines& a, const Lines& b)
 {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
@@ -112,7 +107,7 @@ public:
     void consider(Attempt attempt, const MrzBand& band)
     {
         if (attempt.isValid()) {
-            m_isContested |= m_best && m_best->isValid() && !saysTheSame(*m_best->result, *attempt.result);
+            m_isContested |= m_best && m_best->isValid() && !sameProtectedFields(*m_best->result, *attempt.result);
             // What several agree upon comes last.
             if (m_best && m_best->isValid()) {
                 m_best = std::move(attempt);

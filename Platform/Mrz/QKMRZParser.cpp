@@ -1,5 +1,6 @@
 #include "Platform/Mrz/QKMRZParser.h"
 
+#include "Platform/Mrz/MrzAgreement.h"
 #include "Platform/Mrz/MrzInterpretation.h"
 #include "Platform/Mrz/MrzLineMending.h"
 
@@ -42,13 +43,6 @@ MrzCells cellsOf(const MrzLineReading& line, bool ocrCorrection)
         cells.push_back(std::move(cell));
     }
     return cells;
-}
-
-/// The fields that check digits protect, to tell readings apart.
-bool saysTheSame(const QKMRZResult& a, const QKMRZResult& b)
-{
-    return a.documentNumber == b.documentNumber && a.birthDate == b.birthDate && a.expiryDate == b.expiryDate
-        && a.personalNumber == b.personalNumber && a.personalNumber2 == b.personalNumber2;
 }
 
 class Search
@@ -136,7 +130,7 @@ private:
         if (!found.isPlausible)
             return;
         if (m_best && m_best->result.allCheckDigitsValid && found.result.allCheckDigitsValid
-            && !saysTheSame(m_best->result, found.result))
+            && !sameProtectedFields(m_best->result, found.result))
             m_isContested = true;
         // Of equals the last: what is lost or doubled is likeliest in the long run of fillers at the end.
         if (!m_best || found.merit() >= m_best->merit())

@@ -4,6 +4,7 @@
 
 #include "Platform/Vision/NativeFaceDetector.h"
 #include "Platform/Vision/VisionImage.h"
+#include "Tools/Evaluate/ThreadClock.h"
 #include "Tools/Specimen/Scene.h"
 
 #include <QGuiApplication>
@@ -12,12 +13,12 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
 
 using namespace kelvara;
+using namespace kelvara::evaluate;
 using namespace kelvara::specimen;
 
 namespace {
@@ -42,13 +43,6 @@ struct Tally
     std::vector<double> milliseconds;
     std::vector<std::uint32_t> mistaken; ///< seeds
 };
-
-double threadMilliseconds()
-{
-    timespec now {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
-}
 
 QRectF inPixels(const QRectF& box, QSize size)
 {

@@ -6,6 +6,7 @@
 #include "Kelvara/FilterVendor.h"
 #include "Kelvara/MrzPreprocessing.h"
 #include "Kelvara/OcrbModel.h"
+#include "Platform/Mrz/MrzAgreement.h"
 #include "Platform/Mrz/MrzLines.h"
 #include "Platform/Mrz/QKMRZParser.h"
 #include "Platform/Mrz/TesseractEngine.h"
@@ -44,12 +45,6 @@ struct Tally
     std::vector<double> milliseconds {};
     std::map<QString, int> confusions {};
 };
-
-bool sameProtectedFields(const QKMRZResult& a, const QKMRZResult& b)
-{
-    return a.documentNumber == b.documentNumber && a.birthDate == b.birthDate && a.expiryDate == b.expiryDate
-        && a.personalNumber == b.personalNumber && a.personalNumber2 == b.personalNumber2;
-}
 
 bool sameFields(const QKMRZResult& a, const QKMRZResult& b)
 {

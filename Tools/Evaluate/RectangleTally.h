@@ -3,12 +3,12 @@
 #include "Platform/Vision/VisionDetectors.h"
 #include "Platform/Vision/VisionImage.h"
 #include "Tools/Evaluate/RectangleScenes.h"
+#include "Tools/Evaluate/ThreadClock.h"
 
 #include <QPolygonF>
 
 #include <algorithm>
 #include <cmath>
-#include <ctime>
 #include <opencv2/imgproc.hpp>
 #include <thread>
 #include <vector>
@@ -85,14 +85,6 @@ using Outline = std::vector<cv::Point2f>;
     const double aspect = std::max(width, height) / std::min(width, height);
     return aspect >= limits.minimumAspectRatio && aspect <= limits.maximumAspectRatio
         && std::min(width, height) >= limits.minimumSize * std::min(size.width(), size.height());
-}
-
-/// Processor time of the calling thread, in milliseconds.
-[[nodiscard]] inline double threadMilliseconds()
-{
-    timespec now {};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
 }
 
 inline void judge(const RectangleDetector& detector, const specimen::Scene& scene, RectangleTally& tally)
