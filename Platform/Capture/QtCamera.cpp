@@ -23,8 +23,6 @@ QtCamera::QtCamera(QByteArray id, QString name, AVCaptureDevicePosition position
 
 QtCamera::~QtCamera()
 {
-    if (m_lit)
-        m_torch->turnOff();
     stop();
 }
 
@@ -78,6 +76,10 @@ bool QtCamera::start(AVCaptureFrameSink sink)
 
 void QtCamera::stop()
 {
+    // A light goes with the pictures that it is for, as a camera's own does: cameras that were handed out once are
+    // kept to the end of the process, and what the kernel was told to light outlives even that.
+    if (m_lit)
+        setTorchModeOff();
     if (!m_stream)
         return;
     m_stream->disconnect(this);

@@ -83,6 +83,9 @@ TEST_F(LedTorchTest, ServesACameraThatHasNoneOfItsOwn)
         EXPECT_TRUE(camera.setTorchModeOn(1));
         EXPECT_TRUE(camera.isTorchActive());
         EXPECT_FALSE(camera.start([](const CMSampleBuffer&) {})) << "there is no such camera";
+        camera.stop();
+        EXPECT_FALSE(camera.isTorchActive()) << "the camera itself may be kept for long";
+        EXPECT_TRUE(camera.setTorchModeOn(1));
     }
     EXPECT_EQ(brightness(QStringLiteral("white:flash")), 0) << "no light stays on behind its camera";
     QtCamera bare("no such camera", QStringLiteral("Webcam"), AVCaptureDevicePosition::Front, std::nullopt);
