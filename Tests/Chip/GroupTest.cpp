@@ -1,5 +1,4 @@
 #include "ExplicitCurve.h"
-#include "Platform/Chip/Tlv.h"
 #include "Platform/Chip/crypto/DomainParameters.h"
 #include "Platform/Chip/crypto/EllipticCurveGroup.h"
 #include "Platform/Chip/crypto/PrimeFieldGroup.h"

@@ -1,7 +1,6 @@
 #include "Platform/Chip/messaging/SecureMessaging.h"
 
 #include "Platform/Chip/Tlv.h"
-#include "Platform/Chip/crypto/Mac.h"
 #include "Platform/Chip/software/ChipMessaging.h"
 #include "ProtocolRun.h"
 

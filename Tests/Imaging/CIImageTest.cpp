@@ -1,6 +1,5 @@
 #include "Platform/Imaging/CIImage.h"
 #include "Platform/Imaging/CIContext.h"
-#include "Platform/Imaging/CIFilter.h"
 #include "Tests/Imaging/Pictures.h"
 
 #include <cmath>

@@ -1,5 +1,4 @@
 #include "Platform/Imaging/CIContext.h"
-#include "Platform/Imaging/CIFilter.h"
 #include "Tests/Imaging/Pictures.h"
 
 #include <cmath>

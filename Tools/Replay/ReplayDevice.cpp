@@ -2,6 +2,7 @@
 
 #include "Platform/Chip/NFCReaderSession.h"
 #include "Platform/Foundation/UserDefaults.h"
+#include "Tools/Replay/LookCounter.h"
 #include "Tools/Replay/SpecimenPictures.h"
 #include "Tools/Specimen/Specimen.h"
 

@@ -4,7 +4,6 @@
 #include "Platform/Chip/software/SoftwareTerminal.h"
 #include "Platform/PlatformServices.h"
 #include "Tools/Replay/FlowScript.h"
-#include "Tools/Replay/LookCounter.h"
 #include "Tools/Replay/ReplayConference.h"
 #include "Tools/Replay/ToldDetectors.h"
 

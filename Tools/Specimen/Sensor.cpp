@@ -1,7 +1,6 @@
 #include "Tools/Specimen/Sensor.h"
 
 #include "Tools/Specimen/Dice.h"
-#include "Tools/Specimen/Pose.h"
 
 #include <opencv2/imgproc.hpp>
 
