@@ -23,7 +23,8 @@ elseif(KELVARA_SANITIZE STREQUAL "thread")
     set(KELVARA_SANITIZE_FLAGS -fsanitize=thread -fno-omit-frame-pointer)
 endif()
 if(KELVARA_SANITIZE_FLAGS)
-    target_compile_options(kelvara_options INTERFACE ${KELVARA_SANITIZE_FLAGS})
+    # What the sanitizers put in between makes GCC take an empty optional's value for one that is used.
+    target_compile_options(kelvara_options INTERFACE ${KELVARA_SANITIZE_FLAGS} -Wno-maybe-uninitialized)
     target_link_options(kelvara_options INTERFACE ${KELVARA_SANITIZE_FLAGS})
 endif()
 
