@@ -44,8 +44,8 @@ void QorvelKycViewPrivate::announceScreen()
 
 void QorvelKycViewPrivate::announceReady()
 {
-    // Readiness comes and goes with every shake of the hand.
-    if (readySaid == side)
+    // Readiness comes and goes with every shake of the hand, and beneath screens without a shutter too.
+    if (readySaid == side || !takePhotoButton->isVisibleTo(q))
         return;
     readySaid = side;
     announcer->say(text(kReady));

@@ -84,6 +84,19 @@ TEST_F(Access, SaysNothingWhileTheViewIsHidden)
     EXPECT_EQ(watch.said.value(1), text(kNoZone));
 }
 
+TEST_F(Access, DoesNotCallForAShutterThatIsNotThere)
+{
+    stage->d().hasNfc = false;
+    stage->setSteps({ idPhoto });
+    stage->view->setForceNfc(true);
+    stage->view->showIdPhotoView(); // and the screen says that this device will not do
+    AccessWatch watch;
+    stage->show(true, true);
+    EXPECT_TRUE(spinUntil([&] { return stage->d().takePhotoButton->isEnabled(); })) << "the camera runs beneath";
+    hear();
+    EXPECT_FALSE(watch.hasSaid(text(kReady)));
+}
+
 TEST_F(Access, SaysHowACallGoes)
 {
     stage->setSteps({ jitsi });
