@@ -161,12 +161,15 @@ void DemoRun::openCall()
     });
 }
 
+QString DemoRun::keep(const QString& kind, const QString& name, const QImage& screen)
+{
+    m_sheet.append(sheetEntry(name, screen));
+    return m_folder.write(kind, name, screen);
+}
+
 void DemoRun::keepScreen(const QString& name)
 {
-    // Written at once: a dozen screens are sixty megabytes.
-    const QImage screen = m_host->screen();
-    m_screens.append(m_folder.write(QStringLiteral("screen"), name, screen));
-    m_sheet.append(sheetEntry(name, screen));
+    m_screens.append(keep(QStringLiteral("screen"), name, m_host->screen()));
 }
 
 void DemoRun::giveUp(const QString& failure)
@@ -258,8 +261,7 @@ int DemoRun::report()
     m_host->view().stopScanning();
     QJsonArray gallery;
     takeGallery(m_size, m_options.textScale, [&](const QString& name, const QImage& screen) {
-        gallery.append(m_folder.write(QStringLiteral("gallery"), name, screen));
-        m_sheet.append(sheetEntry(name, screen));
+        gallery.append(keep(QStringLiteral("gallery"), name, screen));
     });
     m_folder.writeSheet(contactSheet(QStringLiteral("Kelvara, seed %1: %2 s")
                                          .arg(m_options.seed)

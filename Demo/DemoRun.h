@@ -43,6 +43,8 @@ private:
     [[nodiscard]] std::shared_ptr<FrameTap> activeCamera() const;
     [[nodiscard]] int report();
     void keepScreen(const QString& name);
+    /// Writes a screen at once, as a dozen are sixty megabytes, and has it on the sheet; the file's name.
+    QString keep(const QString& kind, const QString& name, const QImage& screen);
     int fail(ExitCode code, const QString& sentence);
 
     const DemoOptions m_options;

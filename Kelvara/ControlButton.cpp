@@ -12,6 +12,7 @@
 #include <QPainterPath>
 
 #include <algorithm>
+#include <cmath>
 #include <numbers>
 #include <utility>
 
@@ -207,10 +208,10 @@ void ControlButton::paintTitle(QPainter& painter) const
     const QRect area = rect().adjusted(kTitleMargin, 0, -kTitleMargin, 0);
     const QString title = fontMetrics().elidedText(m_title, Qt::ElideRight, area.width());
     // The seam is costly for each pixel, and a button may be far larger than its title.
-    constexpr int kRoom = 4;
+    const int room = static_cast<int>(std::ceil(2 * kTitleSeamRadius)) + 1; // as far as it reaches, and italics lean
     const QRect box = fontMetrics()
                           .boundingRect(area, Qt::AlignCenter | Qt::TextSingleLine, title)
-                          .adjusted(-kRoom, -kRoom, kRoom, kRoom)
+                          .adjusted(-room, -room, room, room)
                           .intersected(rect());
     QImage letters((QSizeF(box.size()) * ratio).toSize(), QImage::Format_ARGB32_Premultiplied);
     if (letters.isNull())

@@ -42,6 +42,7 @@ public:
     [[nodiscard]] static ReplaySource video(const QString& path);
     /// Whatever the path is: a folder, a video or a still.
     [[nodiscard]] static ReplaySource path(const QString& path);
+    /// Pictures made as they are wanted. Each run of a camera calls a copy of its own, which ends with the run.
     [[nodiscard]] static ReplaySource generator(ReplayGenerator generator);
 
     /// A sentence that says why the source cannot be used; absent when it can. Files are opened for it, once. Any

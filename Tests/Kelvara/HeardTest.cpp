@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <optional>
+
 namespace kelvara::test {
 namespace {
 
@@ -179,34 +181,36 @@ void callNobody(Access&, Stage& stage)
     stage.view->setJitsiConference("http://meet.example.com", "room", "token");
 }
 
-TEST_F(Access, TheViewMayBeDeletedByWhoListensToATap)
+/// The shutter is on, and whoever hears of it from now on deletes the view.
+class ShutterHeard : public Access
 {
-    stage->setSteps({ idPhoto });
-    stage->show(true, true);
-    CircleButton* const shutter = stage->d().takePhotoButton;
-    ASSERT_TRUE(spinUntil([&] { return shutter->isEnabled(); }));
-    AccessWatch watch;
-    watch.during = [&](QAccessibleEvent& event) {
-        if (event.type() == QAccessible::StateChanged && event.object() == shutter)
-            delete stage->view.data();
-    };
-    QTest::mouseClick(shutter, Qt::LeftButton);
+protected:
+    void SetUp() override
+    {
+        stage->setSteps({ idPhoto });
+        stage->show(true, true);
+        ASSERT_TRUE(spinUntil([&] { return shutter()->isEnabled(); }));
+        watch.emplace();
+        watch->during = [this](QAccessibleEvent& event) {
+            if (event.type() == QAccessible::StateChanged && event.object() == shutter())
+                delete stage->view.data();
+        };
+    }
+    [[nodiscard]] CircleButton* shutter() const { return stage->view ? stage->d().takePhotoButton : nullptr; }
+
+    std::optional<AccessWatch> watch;
+};
+
+TEST_F(ShutterHeard, TheViewMayBeDeletedByWhoListensToATap)
+{
+    QTest::mouseClick(shutter(), Qt::LeftButton);
     EXPECT_TRUE(stage->view.isNull());
     EXPECT_TRUE(stage->delegate.calls.isEmpty()) << stage->delegate.calls.join(' ').toStdString();
     settle();
 }
 
-TEST_F(Access, TheViewMayBeDeletedByWhoListensToAStepsBegin)
+TEST_F(ShutterHeard, TheViewMayBeDeletedByWhoListensToAStepsBegin)
 {
-    stage->setSteps({ idPhoto });
-    stage->show(true, true);
-    CircleButton* const shutter = stage->d().takePhotoButton;
-    ASSERT_TRUE(spinUntil([&] { return shutter->isEnabled(); }));
-    AccessWatch watch;
-    watch.during = [&](QAccessibleEvent& event) {
-        if (event.type() == QAccessible::StateChanged && event.object() == shutter)
-            delete stage->view.data();
-    };
     stage->view->showNfcView(); // in which the shutter goes off
     EXPECT_TRUE(stage->view.isNull());
     settle();
